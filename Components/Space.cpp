@@ -1,0 +1,134 @@
+#include "Components/Space.h"
+
+#include "Debug/Logger.h"
+
+#include <algorithm>
+
+Space::~Space()
+{
+    // Unlink siblings one by one, so a long child list can't recurse deeply through the owning chain.
+    while (firstChild)
+    {
+        firstChild = std::move(firstChild->nextSibling);
+    }
+}
+
+Space& Space::CreateChild()
+{
+    auto child = std::make_unique<Space>();
+    child->parent = this;
+    child->nextSibling = std::move(firstChild);
+    firstChild = std::move(child);
+    return *firstChild;
+}
+
+void Space::ScheduleLevel(const std::string& name)
+{
+    levelName = name;
+    levelScheduled = true;
+}
+
+void Space::ScheduleReload()
+{
+    levelScheduled = true;
+    for (Space* child = firstChild.get(); child != nullptr; child = child->nextSibling.get())
+    {
+        child->ScheduleReload();
+    }
+}
+
+bool Space::IsLevelScheduled() const
+{
+    if (levelScheduled)
+    {
+        return true;
+    }
+    for (const Space* child = firstChild.get(); child != nullptr; child = child->nextSibling.get())
+    {
+        if (child->IsLevelScheduled())
+        {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool Space::IsDestroyRequested() const
+{
+    if (destroyRequested)
+    {
+        return true;
+    }
+    for (const Space* child = firstChild.get(); child != nullptr; child = child->nextSibling.get())
+    {
+        if (child->IsDestroyRequested())
+        {
+            return true;
+        }
+    }
+    return false;
+}
+
+void Space::DestroyFlagged(Core::Game& game)
+{
+    if (destroyRequested)
+    {
+        Destroy(game);
+        return;
+    }
+    // A visited child may free itself, so its sibling link is read first.
+    Space* child = firstChild.get();
+    while (child != nullptr)
+    {
+        Space* next = child->nextSibling.get();
+        child->DestroyFlagged(game);
+        child = next;
+    }
+}
+
+void Space::LoadScheduledLevels(Core::Game& game)
+{
+    for (Space* child = firstChild.get(); child != nullptr; child = child->nextSibling.get())
+    {
+        child->LoadScheduledLevels(game);
+    }
+    levelScheduled = false;
+}
+
+void Space::Destroy(Core::Game& game)
+{
+    while (firstChild)
+    {
+        firstChild->Destroy(game);
+    }
+    if (parent == nullptr)
+    {
+        Logger::Log("Space", LogLevel::Debug, "Deleting top space");
+        return;
+    }
+    std::unique_ptr<Space>* link = &parent->firstChild;
+    while (link->get() != this)
+    {
+        link = &(*link)->nextSibling;
+    }
+    std::unique_ptr<Space> self = std::move(*link);
+    *link = std::move(nextSibling);
+    // self frees this space on leaving the scope; nothing after this line may touch a member.
+}
+
+void Space::CollectPostOrder(std::vector<Space*>& spaces)
+{
+    for (Space* child = firstChild.get(); child != nullptr; child = child->nextSibling.get())
+    {
+        child->CollectPostOrder(spaces);
+    }
+    spaces.push_back(this);
+}
+
+void Space::GetSortedSpaces(std::vector<Space*>& sorted)
+{
+    sorted.clear();
+    CollectPostOrder(sorted);
+    std::stable_sort(sorted.begin(), sorted.end(),
+                     [](const Space* a, const Space* b) { return a->priority > b->priority; });
+}

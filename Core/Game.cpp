@@ -1,0 +1,232 @@
+#include "Core/Game.h"
+
+#include "Core/Process.h"
+#include "Debug/Clock.h"
+#include "Debug/Logger.h"
+#include "Debug/Profile.h"
+
+#include <chrono>
+
+namespace Core
+{
+namespace
+{
+
+constexpr double kNominalFrameTime = 1.0 / 60.0;
+constexpr size_t kFrameTimeHistory = 60;
+constexpr auto kPausedSleep = std::chrono::milliseconds(66);
+
+double ReadSeconds()
+{
+    return Debug::NanosecondsToSeconds(Debug::ReadClock());
+}
+
+} // namespace
+
+Game::Game(Window* gameWindow, const GameSettings& gameSettings) : settings(gameSettings), window(gameWindow)
+{
+}
+
+Game::~Game()
+{
+    running = false;
+    if (thread.joinable())
+    {
+        thread.join();
+    }
+}
+
+int Game::Run()
+{
+    if (running.exchange(true))
+    {
+        Logger::Raise("Game", "Game is already running!");
+    }
+    Logger::Log("Game", LogLevel::Debug, "Starting Game...");
+    frame = 0;
+    systems.clear();
+    if (!settings.multithreaded)
+    {
+        GameLoop();
+        return 0;
+    }
+    thread = std::thread(&Game::GameLoop, this);
+    // Without a pump the destructor joins the thread.
+    if (settings.pumpMessages)
+    {
+        thread.join();
+    }
+    return 0;
+}
+
+void Game::AddSystem(System& system, Window* systemWindow)
+{
+    if (!system.Initialise(systemWindow))
+    {
+        Logger::Raise("Game", std::string("Failed to initialise system ") + system.Name());
+    }
+    systems.push_back(&system);
+}
+
+void Game::SetPaused(bool pause)
+{
+    if (pause == paused)
+    {
+        return;
+    }
+    Logger::Log("Core", LogLevel::Debug, pause ? "pausing game" : "Unpausing game");
+    paused = pause;
+}
+
+void Game::Reset()
+{
+    DestroyAllChildren();
+    rootSpace.ScheduleLevel(settings.level);
+}
+
+void Game::GameLoop()
+{
+    if (window == nullptr)
+    {
+        Logger::Log("Game", LogLevel::Warning, "Game does not have a window");
+    }
+    rootSpace.ScheduleLevel(settings.level);
+    previousTime = ReadSeconds() - kNominalFrameTime;
+    frameTimes.assign(kFrameTimeHistory, kNominalFrameTime);
+    while (running)
+    {
+        if (!RunFrame())
+        {
+            break;
+        }
+    }
+    LeaveLoop();
+}
+
+bool Game::RunFrame()
+{
+    // The previous frame's records, for the debug overlay; dropped at the end of this frame.
+    const std::vector<Debug::ProfileRecord> previousProfile = Debug::TakeProfile();
+    Debug::ProfileBlock rootBlock("Root");
+
+    const double time = ReadSeconds();
+    double dt = time - previousTime;
+    RecordFrameTime(dt);
+    ++frame;
+
+    if (rootSpace.IsDestroyRequested())
+    {
+        Debug::ProfileBlock block("Destroy Spaces");
+        if (rootSpace.destroyRequested)
+        {
+            rootSpace.Destroy(*this);
+        }
+        else
+        {
+            DestroyFlaggedChildren();
+        }
+    }
+    // The load's own duration is seen by no system: the frame that loads steps by the nominal time.
+    if (LoadScheduledLevels())
+    {
+        dt = kNominalFrameTime;
+    }
+
+    HandleGameEvents();
+    if (!running)
+    {
+        return false;
+    }
+    UpdateSystems(dt, time);
+
+    // The next frame's dt covers all of this one, a level load included.
+    previousTime = time;
+    if (paused)
+    {
+        std::this_thread::sleep_for(kPausedSleep);
+    }
+    return true;
+}
+
+void Game::RecordFrameTime(double dt)
+{
+    if (frameTimes.size() >= kFrameTimeHistory)
+    {
+        frameTimes.pop_back();
+    }
+    frameTimes.insert(frameTimes.begin(), dt);
+}
+
+void Game::DestroyFlaggedChildren()
+{
+    // A child may free itself, so its sibling link is read first.
+    Space* child = rootSpace.firstChild.get();
+    while (child != nullptr)
+    {
+        Space* next = child->nextSibling.get();
+        child->DestroyFlagged(*this);
+        child = next;
+    }
+}
+
+void Game::DestroyAllChildren()
+{
+    for (Space* child = rootSpace.firstChild.get(); child != nullptr; child = child->nextSibling.get())
+    {
+        child->destroyRequested = true;
+    }
+    DestroyFlaggedChildren();
+}
+
+bool Game::LoadScheduledLevels()
+{
+    if (!rootSpace.IsLevelScheduled())
+    {
+        return false;
+    }
+    Debug::ProfileBlock block("Load Level");
+    rootSpace.LoadScheduledLevels(*this);
+    return true;
+}
+
+void Game::HandleGameEvents()
+{
+    // A quit signal acts as the window's "Quit" event: the frame ends before any update.
+    if (QuitSignalled())
+    {
+        running = false;
+    }
+}
+
+void Game::UpdateSystems(double dt, double time)
+{
+    rootSpace.GetSortedSpaces(sortedSpaces);
+    for (Space* space : sortedSpaces)
+    {
+        if (!space->paused)
+        {
+            space->dt = dt * space->timescale;
+            space->time += space->dt;
+        }
+    }
+    // All spaces see one system before any sees the next.
+    for (System* system : systems)
+    {
+        for (Space* space : sortedSpaces)
+        {
+            system->Update(*this, *space, space->dt, space->time, time);
+        }
+    }
+}
+
+void Game::LeaveLoop()
+{
+    DestroyAllChildren();
+    rootSpace.Destroy(*this);
+    for (auto system = systems.rbegin(); system != systems.rend(); ++system)
+    {
+        (*system)->Shutdown();
+    }
+}
+
+} // namespace Core

@@ -1,0 +1,70 @@
+#pragma once
+
+// The one object that owns everything that lives for a run: the systems, the root Space, a copy of the
+// settings, the frame counter and the game thread. main constructs it on the stack, calls Run once and
+// destroys it.
+
+#include "Components/Space.h"
+#include "Core/GameSettings.h"
+#include "Core/System.h"
+
+#include <atomic>
+#include <cstdint>
+#include <thread>
+#include <vector>
+
+namespace Core
+{
+
+class Game
+{
+public:
+    Game(Window* window, const GameSettings& settings);
+    // Clears running and joins the game thread if Run left it running.
+    ~Game();
+    Game(const Game&) = delete;
+    Game& operator=(const Game&) = delete;
+
+    // Starts the game and returns 0 once it has ended. Raises if the game is already running.
+    int Run();
+    // The body of the game thread, or in single-threaded mode a plain call from Run.
+    void GameLoop();
+    // Initialises the system and appends it to systems; raises if it fails to start.
+    void AddSystem(System& system, Window* systemWindow);
+    void SetPaused(bool pause);
+    // Destroys every child space at once and schedules the start level on the root (the F4 key).
+    void Reset();
+
+    // The frame times of the last 60 frames, newest first, in seconds.
+    const std::vector<double>& FrameTimes() const { return frameTimes; }
+
+    Space rootSpace;
+    bool debugDraw = false;
+    GameSettings settings;
+    // The only flag that the two threads share: written by exchange, read plainly.
+    std::atomic<bool> running = false;
+    uint64_t frame = 0;
+    std::vector<System*> systems;
+    std::thread thread;
+    Window* window;
+    bool paused = false;
+
+private:
+    // One pass of the loop; false when the game ended before the systems were updated.
+    bool RunFrame();
+    void RecordFrameTime(double dt);
+    void DestroyFlaggedChildren();
+    void DestroyAllChildren();
+    // Loads scheduled levels; true if any was scheduled.
+    bool LoadScheduledLevels();
+    void HandleGameEvents();
+    void UpdateSystems(double dt, double time);
+    void LeaveLoop();
+
+    double previousTime = 0.0;
+    std::vector<double> frameTimes;
+    // Reused every frame, so gathering the spaces allocates nothing once it has grown.
+    std::vector<Space*> sortedSpaces;
+};
+
+} // namespace Core

@@ -1,0 +1,193 @@
+#include "Debug/Exception.h"
+#include "Debug/Logger.h"
+#include "Support/LogCapture.h"
+
+#include <gtest/gtest.h>
+#include <sstream>
+
+// Outside the anonymous namespace, so the executable exports its name for the trace to find.
+std::string TraceFromNamedCaller();
+__attribute__((noinline)) std::string TraceFromNamedCaller()
+{
+    return Debug::Exception("x").StackTrace();
+}
+
+namespace
+{
+
+std::vector<std::string> recordedOrder;
+
+// "[" any time stamp "] [" category "] [" level "]: " message; the stamp's shape depends on the locale.
+bool IsLogLine(const std::string& line, const std::string& category, const std::string& level,
+               const std::string& message)
+{
+    const std::string tail = "] [" + category + "] [" + level + "]: " + message;
+    return line.starts_with("[") && line.ends_with(tail) && line.find(']') == line.size() - tail.size();
+}
+
+std::vector<std::string> Lines(const std::string& text)
+{
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);)
+    {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+void FirstSink(std::string_view, LogLevel, std::string_view)
+{
+    recordedOrder.push_back("first");
+}
+
+void SecondSink(std::string_view, LogLevel, std::string_view)
+{
+    recordedOrder.push_back("second");
+}
+
+TEST(Logger, LineFormatHasTimeCategoryLevelAndMessage)
+{
+    EXPECT_TRUE(IsLogLine(FormatLogLine("Space", LogLevel::Warning, "a [x]"), "Space", "Warning", "a [x]"));
+    EXPECT_FALSE(IsLogLine(FormatLogLine("Space", LogLevel::Warning, "a"), "Space", "Error", "a"));
+    EXPECT_STREQ(LogLevelName(LogLevel::Fatal), "Fatal");
+    EXPECT_STREQ(LogLevelName(static_cast<LogLevel>(3)), "Unknown");
+}
+
+TEST(Logger, LevelsUpToWarningGoToStandardOutputAndTheRestToStandardError)
+{
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    Logger::Log("Cat", LogLevel::Debug, "d");
+    Logger::Log("Cat", LogLevel::Info, "i");
+    Logger::Log("Cat", LogLevel::Warning, "w");
+    Logger::Log("Cat", LogLevel::Error, "e");
+    Logger::Log("Cat", LogLevel::Fatal, "f");
+    const std::string output = testing::internal::GetCapturedStdout();
+    const std::string errors = testing::internal::GetCapturedStderr();
+    const std::vector<std::string> outputLines = Lines(output);
+    const std::vector<std::string> errorLines = Lines(errors);
+    ASSERT_EQ(outputLines.size(), 3u) << output;
+    ASSERT_EQ(errorLines.size(), 2u) << errors;
+    EXPECT_TRUE(output.ends_with("\n"));
+    EXPECT_TRUE(IsLogLine(outputLines[0], "Cat", "Debug", "d"));
+    EXPECT_TRUE(IsLogLine(outputLines[1], "Cat", "Info", "i"));
+    EXPECT_TRUE(IsLogLine(outputLines[2], "Cat", "Warning", "w"));
+    EXPECT_TRUE(IsLogLine(errorLines[0], "Cat", "Error", "e"));
+    EXPECT_TRUE(IsLogLine(errorLines[1], "Cat", "Fatal", "f"));
+}
+
+TEST(Logger, ColouredLinesWrapTheTextInTheLevelsColour)
+{
+    std::FILE* file = std::tmpfile();
+    ASSERT_NE(file, nullptr);
+    WriteLogLine(file, true, "Cat", LogLevel::Error, "red");
+    WriteLogLine(file, false, "Cat", LogLevel::Error, "plain");
+    std::rewind(file);
+    std::string text(256, '\0');
+    text.resize(std::fread(text.data(), 1, text.size(), file));
+    std::fclose(file);
+    const std::vector<std::string> lines = Lines(text);
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_TRUE(lines[0].starts_with("\033[91m[")) << lines[0];
+    EXPECT_TRUE(lines[0].ends_with("]: red\033[0m"));
+    EXPECT_TRUE(IsLogLine(lines[1], "Cat", "Error", "plain"));
+}
+
+TEST(Logger, AnInvalidLevelGivesOneErrorLineAndReachesNoOtherSink)
+{
+    LogCapture capture;
+    for (const int32_t level : {0, 3, 32, -1, 24})
+    {
+        capture.Clear();
+        Logger::Log("Physics", static_cast<LogLevel>(level), "body lost");
+        ASSERT_EQ(capture.Entries().size(), 1u) << level;
+        EXPECT_EQ(capture.Entries()[0].category, "Logger");
+        EXPECT_EQ(capture.Entries()[0].level, LogLevel::Error);
+        EXPECT_EQ(capture.Entries()[0].message,
+                  "Security Level can not be more than 1 level. Message:[Physics]: [UNKNOWN]: body lost");
+    }
+}
+
+TEST(Logger, SinksRunInAttachOrderAndAMaskWithoutLevelsChangesNothing)
+{
+    LogCapture capture;
+    recordedOrder.clear();
+    Logger::Attach(FirstSink, 2 | 8);
+    Logger::Attach(SecondSink, 8);
+    Logger::Attach(SecondSink, 0);
+    Logger::Attach(SecondSink, 32);
+    Logger::Log("Cat", LogLevel::Error, "x");
+    Logger::Log("Cat", LogLevel::Info, "y");
+    Logger::Log("Cat", LogLevel::Warning, "z");
+    Logger::Detach(FirstSink);
+    Logger::Detach(SecondSink);
+    EXPECT_EQ(recordedOrder, (std::vector<std::string>{"first", "second", "first"}));
+    EXPECT_EQ(capture.Messages("Logger", LogLevel::Warning),
+              (std::vector<std::string>{"No valid level selected for attaching. No action taken.",
+                                        "No valid level selected for attaching. No action taken."}));
+}
+
+// Destroyed while the raise unwinds: what it sees was logged before unwinding began.
+struct UnwindWitness
+{
+    const LogCapture& capture;
+    size_t& fatalLinesSeen;
+    ~UnwindWitness() { fatalLinesSeen = capture.Count(LogLevel::Fatal); }
+};
+
+TEST(Logger, RaiseLogsTheFatalTextBeforeItUnwinds)
+{
+    LogCapture capture;
+    size_t fatalLinesSeen = 0;
+    try
+    {
+        UnwindWitness witness{capture, fatalLinesSeen};
+        Logger::Raise("Game", "Game is already running!");
+    }
+    catch (const Debug::Exception& exception)
+    {
+        EXPECT_STREQ(exception.what(), "Game is already running!");
+        EXPECT_EQ(fatalLinesSeen, 1u);
+        const std::vector<std::string> fatal = capture.Messages("Game", LogLevel::Fatal);
+        ASSERT_EQ(fatal.size(), 1u);
+        EXPECT_EQ(fatal[0], exception.Text());
+        EXPECT_TRUE(fatal[0].starts_with("Exception: Game is already running!\nat: ")) << fatal[0];
+        EXPECT_EQ(fatal[0].find("Inner Exception"), std::string::npos);
+        return;
+    }
+    FAIL() << "Raise returned";
+}
+
+TEST(Logger, SerializerRaisesAreCaughtAsFileSystemErrors)
+{
+    LogCapture capture;
+    EXPECT_THROW(Logger::RaiseSerializerError("Serializer", "Unexpected end of file"),
+                 FileSystem::FileSystemError);
+    EXPECT_EQ(capture.Messages("Serializer", LogLevel::Fatal).size(), 1u);
+}
+
+TEST(Exception, TextNamesTheInnerExceptionOnlyWhenThereIsOne)
+{
+    Debug::Exception outer("outer");
+    EXPECT_EQ(outer.Text(), "Exception: outer\n" + outer.StackTrace());
+    outer.SetInner(Debug::Exception("inner"));
+    const Debug::Exception copy = outer;
+    ASSERT_NE(copy.Inner(), nullptr);
+    EXPECT_EQ(copy.Text(), "Exception: outer\n" + outer.StackTrace() +
+                               "\nInner Exception: \nException: inner\n" + copy.Inner()->StackTrace());
+}
+
+TEST(StackTrace, NamesTheCallingFunctionsInnermostFirst)
+{
+    const std::string trace = TraceFromNamedCaller();
+    ASSERT_TRUE(trace.starts_with("at: ")) << trace;
+    const size_t constructor = trace.find("Debug::Exception::Exception");
+    const size_t test = trace.find("at: TraceFromNamedCaller[abi:cxx11]()");
+    ASSERT_NE(constructor, std::string::npos) << trace;
+    ASSERT_NE(test, std::string::npos) << trace;
+    EXPECT_LT(constructor, test);
+    EXPECT_EQ(trace.find("GetStackTrace"), std::string::npos) << trace;
+}
+
+} // namespace

@@ -1,0 +1,219 @@
+#include "Harness.h"
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <poll.h>
+#include <stdexcept>
+#include <sys/wait.h>
+#include <unistd.h>
+
+extern char** environ;
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+fs::path MakeTemporaryDirectory()
+{
+    std::string pattern = (fs::temp_directory_path() / "quellmar-e2e-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr)
+    {
+        throw std::runtime_error("mkdtemp failed");
+    }
+    return pattern;
+}
+
+void PrepareDirectory(const RunOptions& options, const fs::path& directory)
+{
+    if (!options.dataFolder.empty())
+    {
+        const fs::path target = directory / "Data";
+        fs::remove_all(target);
+        fs::copy(fs::path(QUELLMAR_E2E_DATA) / options.dataFolder, target, fs::copy_options::recursive);
+    }
+    fs::create_directories(directory / "home");
+    fs::create_directories(directory / "xdg");
+}
+
+std::vector<std::string> Environment(const fs::path& directory)
+{
+    std::vector<std::string> environment;
+    for (char** entry = environ; *entry != nullptr; ++entry)
+    {
+        const std::string_view text = *entry;
+        if (!text.starts_with("HOME=") && !text.starts_with("XDG_DATA_HOME="))
+        {
+            environment.emplace_back(text);
+        }
+    }
+    environment.push_back("HOME=" + (directory / "home").string());
+    environment.push_back("XDG_DATA_HOME=" + (directory / "xdg").string());
+    return environment;
+}
+
+std::vector<char*> Pointers(std::vector<std::string>& texts)
+{
+    std::vector<char*> pointers;
+    for (std::string& text : texts)
+    {
+        pointers.push_back(text.data());
+    }
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+pid_t Spawn(const RunOptions& options, const fs::path& directory, int outputPipe[2], int errorPipe[2])
+{
+    std::vector<std::string> arguments = {options.executable};
+    arguments.insert(arguments.end(), options.arguments.begin(), options.arguments.end());
+    std::vector<std::string> environment = Environment(directory);
+    std::vector<char*> argv = Pointers(arguments);
+    std::vector<char*> envp = Pointers(environment);
+
+    const pid_t child = fork();
+    if (child == 0)
+    {
+        dup2(outputPipe[1], STDOUT_FILENO);
+        dup2(errorPipe[1], STDERR_FILENO);
+        close(outputPipe[0]);
+        close(errorPipe[0]);
+        if (chdir(directory.c_str()) != 0)
+        {
+            _exit(126);
+        }
+        execve(argv[0], argv.data(), envp.data());
+        _exit(127);
+    }
+    close(outputPipe[1]);
+    close(errorPipe[1]);
+    return child;
+}
+
+// Appends what is ready on the descriptor; false once it reached its end.
+bool Drain(int descriptor, std::string& into)
+{
+    std::array<char, 65536> buffer{};
+    const ssize_t count = read(descriptor, buffer.data(), buffer.size());
+    if (count > 0)
+    {
+        into.append(buffer.data(), static_cast<size_t>(count));
+        return true;
+    }
+    return count < 0 && errno == EINTR;
+}
+
+void Collect(const RunOptions& options, pid_t child, int outputDescriptor, int errorDescriptor,
+             RunResult& result)
+{
+    using Clock = std::chrono::steady_clock;
+    const auto deadline = Clock::now() + std::chrono::duration<double>(options.timeLimitSeconds);
+    bool signalled = false;
+    std::array<pollfd, 2> streams = {pollfd{outputDescriptor, POLLIN, 0}, pollfd{errorDescriptor, POLLIN, 0}};
+    while (streams[0].fd >= 0 || streams[1].fd >= 0)
+    {
+        if (Clock::now() > deadline)
+        {
+            kill(child, SIGKILL);
+            result.timedOut = true;
+            break;
+        }
+        poll(streams.data(), streams.size(), 50);
+        for (size_t index = 0; index < streams.size(); ++index)
+        {
+            std::string& into = index == 0 ? result.output : result.errors;
+            if (streams[index].fd >= 0 && streams[index].revents != 0 && !Drain(streams[index].fd, into))
+            {
+                close(streams[index].fd);
+                streams[index].fd = -1;
+            }
+        }
+        if (!signalled && !options.signalAfterOutput.empty() &&
+            result.output.find(options.signalAfterOutput) != std::string::npos)
+        {
+            kill(child, options.signal);
+            signalled = true;
+            if (options.closeOutputAfterSignal && streams[0].fd >= 0)
+            {
+                close(streams[0].fd);
+                streams[0].fd = -1;
+            }
+        }
+    }
+    for (const pollfd& stream : streams)
+    {
+        if (stream.fd >= 0)
+        {
+            close(stream.fd);
+        }
+    }
+}
+
+} // namespace
+
+RunResult RunEngine(const RunOptions& options)
+{
+    const bool temporary = options.directory.empty();
+    const fs::path directory = temporary ? MakeTemporaryDirectory() : options.directory;
+    PrepareDirectory(options, directory);
+
+    int outputPipe[2];
+    int errorPipe[2];
+    if (pipe2(outputPipe, O_CLOEXEC) != 0 || pipe2(errorPipe, O_CLOEXEC) != 0)
+    {
+        throw std::runtime_error("pipe failed");
+    }
+    RunResult result;
+    const pid_t child = Spawn(options, directory, outputPipe, errorPipe);
+    Collect(options, child, outputPipe[0], errorPipe[0], result);
+
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0 && errno == EINTR)
+    {
+    }
+    result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    result.terminatingSignal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+    if (temporary)
+    {
+        std::error_code ignored;
+        fs::remove_all(directory, ignored);
+    }
+    return result;
+}
+
+std::vector<std::string> SplitLines(const std::string& text)
+{
+    std::vector<std::string> lines;
+    size_t start = 0;
+    while (start < text.size())
+    {
+        size_t end = text.find('\n', start);
+        if (end == std::string::npos)
+        {
+            end = text.size();
+        }
+        lines.push_back(text.substr(start, end - start));
+        start = end + 1;
+    }
+    return lines;
+}
+
+std::vector<std::string> LogMessages(const std::string& text, const std::string& category,
+                                     const std::string& level)
+{
+    const std::string marker = "] [" + category + "] [" + level + "]: ";
+    std::vector<std::string> messages;
+    for (const std::string& line : SplitLines(text))
+    {
+        const size_t at = line.find(marker);
+        if (line.starts_with("[") && at != std::string::npos)
+        {
+            messages.push_back(line.substr(at + marker.size()));
+        }
+    }
+    return messages;
+}

@@ -1,0 +1,44 @@
+#pragma once
+
+// Runs the real executable in a fresh temporary directory that holds a copy of a test's own Data folder,
+// with HOME and XDG_DATA_HOME pointed inside it, under a time limit.
+
+#include <csignal>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+struct RunOptions
+{
+    std::string executable = QUELLMAR_EXECUTABLE;
+    // Name of a folder under tests/e2e/data copied as Data; empty for none.
+    std::string dataFolder;
+    // Where to run; empty for a fresh temporary directory that is removed afterwards. A given directory
+    // is kept, so consecutive runs can share a save folder.
+    std::filesystem::path directory;
+    std::vector<std::string> arguments;
+    double timeLimitSeconds = 20.0;
+    // When standard output first holds this text, the signal is sent once.
+    std::string signalAfterOutput;
+    int signal = SIGTERM;
+    // Close our end of standard output right after signalling, as a reader that went away would.
+    bool closeOutputAfterSignal = false;
+};
+
+struct RunResult
+{
+    int exitCode = -1; // the exit status, or -1 if a signal ended the process
+    int terminatingSignal = 0;
+    bool timedOut = false;
+    std::string output; // standard output
+    std::string errors; // standard error
+};
+
+RunResult RunEngine(const RunOptions& options);
+
+// Lines of a text, without their line ends.
+std::vector<std::string> SplitLines(const std::string& text);
+
+// The lines of a log that end with "] [category] [level]: message", in order, message only.
+std::vector<std::string> LogMessages(const std::string& text, const std::string& category,
+                                     const std::string& level);
