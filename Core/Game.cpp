@@ -90,6 +90,7 @@ void Game::GameLoop()
     {
         Logger::Log("Game", LogLevel::Warning, "Game does not have a window");
     }
+    StartSystems();
     rootSpace.ScheduleLevel(settings.level);
     previousTime = ReadSeconds() - kNominalFrameTime;
     frameTimes.assign(kFrameTimeHistory, kNominalFrameTime);
@@ -101,6 +102,16 @@ void Game::GameLoop()
         }
     }
     LeaveLoop();
+}
+
+// Systems start on the thread that runs the loop; each registers its script types once all have started.
+void Game::StartSystems()
+{
+    AddSystem(lua, window);
+    for (System* system : systems)
+    {
+        system->RegisterScriptTypes(lua);
+    }
 }
 
 bool Game::RunFrame()

@@ -7,6 +7,7 @@
 #include "Components/Space.h"
 #include "Core/GameSettings.h"
 #include "Core/System.h"
+#include "Lua/LuaSystem.h"
 
 #include <atomic>
 #include <cstdint>
@@ -38,6 +39,8 @@ public:
     // The frame times of the last 60 frames, newest first, in seconds.
     const std::vector<double>& FrameTimes() const { return frameTimes; }
 
+    // The systems come first: they outlive the spaces whose contents hold their resources.
+    Lua::LuaSystem lua;
     Space rootSpace;
     bool debugDraw = false;
     GameSettings settings;
@@ -59,6 +62,7 @@ private:
     bool LoadScheduledLevels();
     void HandleGameEvents();
     void UpdateSystems(double dt, double time);
+    void StartSystems();
     void LeaveLoop();
 
     double previousTime = 0.0;
