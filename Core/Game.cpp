@@ -138,6 +138,8 @@ bool Game::RunFrame()
         return false;
     }
     UpdateSystems(dt, time);
+    // Children's subtrees first, then the root's own objects.
+    rootSpace.DeleteDestroyedTree(*this);
 
     // The next frame's dt covers all of this one, a level load included.
     previousTime = time;
