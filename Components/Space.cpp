@@ -1,11 +1,22 @@
 #include "Components/Space.h"
 
+#include "Core/Game.h"
 #include "Debug/Logger.h"
+#include "Debug/Profile.h"
 
 #include <algorithm>
 
+Space::Space()
+    : GameObjectFactory(this), factories{&transforms, &rigidBodies, &squares,   &sprites, &textSprites,
+                                         &particles,  &audio,       &colliders, &scripts}
+{
+}
+
 Space::~Space()
 {
+    // The objects are the base and would die after the factories that their destructor's checks read:
+    // anything the flow left behind goes first, while the factories are still there.
+    objects = Slotmap<GameObject>();
     // Unlink siblings one by one, so a long child list can't recurse deeply through the owning chain.
     while (firstChild)
     {
@@ -86,13 +97,63 @@ void Space::DestroyFlagged(Core::Game& game)
     }
 }
 
+Components::IComponentFactory* Space::GetFactory(int32_t type)
+{
+    if (!Components::IsComponentType(type))
+    {
+        Logger::Raise("ComponentFactory",
+                      "Tried to get nonexisting component factory of type " + std::to_string(type));
+    }
+    return factories[static_cast<size_t>(type)];
+}
+
 void Space::LoadScheduledLevels(Core::Game& game)
 {
     for (Space* child = firstChild.get(); child != nullptr; child = child->nextSibling.get())
     {
         child->LoadScheduledLevels(game);
     }
+    if (levelScheduled && !LoadLevel(game))
+    {
+        Logger::Log("Space", LogLevel::Error, "Failed to load level: " + levelName);
+    }
+}
+
+bool Space::LoadLevel(Core::Game&)
+{
+    // Level files can't be read until scripting exists: every load fails, once, and leaves the objects.
     levelScheduled = false;
+    return false;
+}
+
+uint32_t Space::DeleteDestroyed(Core::Game& game)
+{
+    Debug::ProfileBlock block("Delete Destroyed Objects");
+    uint32_t deleted = DeleteDestroyedObjects();
+    if (deleted == 0)
+    {
+        return 0;
+    }
+    // Systems release what flagged components hold outside the arrays while the components are still there.
+    for (Core::System* system : game.systems)
+    {
+        system->ObjectsDestroyed(game, *this);
+    }
+    for (Components::IComponentFactory* factory : factories)
+    {
+        deleted += factory->DeleteDestroyed();
+    }
+    return deleted;
+}
+
+uint32_t Space::DeleteDestroyedTree(Core::Game& game)
+{
+    uint32_t deleted = 0;
+    for (Space* child = firstChild.get(); child != nullptr; child = child->nextSibling.get())
+    {
+        deleted += child->DeleteDestroyedTree(game);
+    }
+    return deleted + DeleteDestroyed(game);
 }
 
 void Space::Destroy(Core::Game& game)
@@ -101,6 +162,8 @@ void Space::Destroy(Core::Game& game)
     {
         firstChild->Destroy(game);
     }
+    DestroyAllObjects();
+    DeleteDestroyed(game);
     if (parent == nullptr)
     {
         Logger::Log("Space", LogLevel::Debug, "Deleting top space");

@@ -4,6 +4,7 @@
 #include "Debug/Clock.h"
 #include "Debug/Logger.h"
 #include "Debug/Profile.h"
+#include "FileSystem/Paths.h"
 
 #include <chrono>
 
@@ -43,6 +44,7 @@ int Game::Run()
         Logger::Raise("Game", "Game is already running!");
     }
     Logger::Log("Game", LogLevel::Debug, "Starting Game...");
+    FileSystem::ChangeToDataFolder();
     frame = 0;
     systems.clear();
     if (!settings.multithreaded)
@@ -149,6 +151,8 @@ bool Game::RunFrame()
         return false;
     }
     UpdateSystems(dt, time);
+    // Children's subtrees first, then the root's own objects.
+    rootSpace.DeleteDestroyedTree(*this);
 
     // The next frame's dt covers all of this one, a level load included.
     previousTime = time;

@@ -1,6 +1,7 @@
 #include "Core/Game.h"
 #include "Debug/Exception.h"
 #include "Support/LogCapture.h"
+#include "Support/TempFolder.h"
 
 #include <functional>
 #include <gtest/gtest.h>
@@ -266,6 +267,9 @@ TEST_F(GameLoop, RunOnItsOwnThreadEndsWhenTheGameDoes)
 {
     // Without systems nothing ends the game from inside, so a second thread stands in for Game.Quit.
     game.settings.multithreaded = true;
+    TempFolder folder;
+    folder.MakeFolder("Data");
+    ScopedWorkingDirectory start(folder.Path());
     std::thread quitter(
         [&]
         {
@@ -276,6 +280,7 @@ TEST_F(GameLoop, RunOnItsOwnThreadEndsWhenTheGameDoes)
     quitter.join();
     EXPECT_FALSE(game.thread.joinable());
     EXPECT_GE(game.frame, 1u);
+    EXPECT_TRUE(std::filesystem::equivalent(std::filesystem::current_path(), folder.Path() / "Data"));
 }
 
 } // namespace

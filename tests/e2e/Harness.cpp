@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <optional>
 #include <poll.h>
 #include <stdexcept>
 #include <sys/wait.h>
@@ -113,6 +114,7 @@ void Collect(const RunOptions& options, pid_t child, int outputDescriptor, int e
     using Clock = std::chrono::steady_clock;
     const auto deadline = Clock::now() + std::chrono::duration<double>(options.timeLimitSeconds);
     bool signalled = false;
+    std::optional<Clock::time_point> seen;
     std::array<pollfd, 2> streams = {pollfd{outputDescriptor, POLLIN, 0}, pollfd{errorDescriptor, POLLIN, 0}};
     while (streams[0].fd >= 0 || streams[1].fd >= 0)
     {
@@ -132,8 +134,13 @@ void Collect(const RunOptions& options, pid_t child, int outputDescriptor, int e
                 streams[index].fd = -1;
             }
         }
-        if (!signalled && !options.signalAfterOutput.empty() &&
+        if (!seen && !options.signalAfterOutput.empty() &&
             result.output.find(options.signalAfterOutput) != std::string::npos)
+        {
+            seen = Clock::now();
+        }
+        if (!signalled && seen &&
+            Clock::now() >= *seen + std::chrono::duration<double>(options.signalDelaySeconds))
         {
             kill(child, options.signal);
             signalled = true;

@@ -20,6 +20,8 @@ struct RunOptions
     double timeLimitSeconds = 20.0;
     // When standard output first holds this text, the signal is sent once.
     std::string signalAfterOutput;
+    // How long after that text appeared the signal waits, so the run can go through many frames first.
+    double signalDelaySeconds = 0.0;
     int signal = SIGTERM;
     // Close our end of standard output right after signalling, as a reader that went away would.
     bool closeOutputAfterSignal = false;

@@ -1,0 +1,155 @@
+#include "Components/Space.h"
+#include "Core/Game.h"
+#include "Debug/Profile.h"
+#include "Support/LogCapture.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+// Records, when a space's objects are reported deleted, what is then left in that space.
+class RecordingSystem final : public Core::System
+{
+public:
+    const char* Name() const override { return "Recording"; }
+    bool Initialise(Core::Window*) override { return true; }
+    void Update(Core::Game&, Space&, double, double, double) override {}
+    void RegisterScriptTypes(Lua::LuaSystem&) override {}
+    void ObjectsDestroyed(Core::Game&, Space& space) override
+    {
+        calls.push_back(Call{&space, space.objects.size(), space.transforms.Count()});
+    }
+    void Shutdown() override {}
+
+    struct Call
+    {
+        Space* space;
+        uint32_t objects;
+        uint32_t transforms;
+    };
+    std::vector<Call> calls;
+};
+
+class SpaceObjects : public testing::Test
+{
+protected:
+    SpaceObjects() { game.AddSystem(recorder, nullptr); }
+    ~SpaceObjects() override
+    {
+        if (!destroyed)
+        {
+            root.Destroy(game);
+        }
+    }
+
+    GameObjectHandle AddObject(Space& space, GameObjectHandle parent = {})
+    {
+        const GameObjectHandle handle = space.CreateObject();
+        handle.Get().AddComponent(Components::Transform);
+        if (parent.space != nullptr)
+        {
+            space.transforms.components.at(handle.Get().GetTransform())
+                .SetParent(parent.Get().GetTransform(), true);
+        }
+        return handle;
+    }
+
+    Core::Game game{nullptr, Core::GameSettings{}};
+    Space& root = game.rootSpace;
+    RecordingSystem recorder;
+    bool destroyed = false;
+};
+
+TEST_F(SpaceObjects, SystemsHearOfDeletionsAfterTheObjectsWentAndBeforeTheSweep)
+{
+    const GameObjectHandle parent = AddObject(root);
+    AddObject(root, parent);
+    AddObject(root);
+    EXPECT_EQ(root.DeleteDestroyed(game), 0u);
+    EXPECT_TRUE(recorder.calls.empty()) << "nothing died, nobody is told";
+
+    LogCapture capture;
+    parent.Get().Destroy();
+    EXPECT_EQ(root.DeleteDestroyed(game), 4u);
+    ASSERT_EQ(recorder.calls.size(), 1u);
+    EXPECT_EQ(recorder.calls[0].space, &root);
+    EXPECT_EQ(recorder.calls[0].objects, 1u);
+    EXPECT_EQ(recorder.calls[0].transforms, 3u) << "the flagged transforms are still there to be read";
+    EXPECT_EQ(root.transforms.Count(), 1u);
+    ASSERT_EQ(game.systems.size(), 1u);
+
+    // The work is timed under its own profile block.
+    bool timed = false;
+    for (const Debug::ProfileRecord& record : Debug::CurrentProfile())
+    {
+        timed = timed || std::string(record.name) == "Delete Destroyed Objects";
+    }
+    EXPECT_TRUE(timed);
+}
+
+TEST_F(SpaceObjects, DeleteDestroyedTreeGoesChildrenFirstAndSums)
+{
+    Space& a = root.CreateChild();
+    Space& a1 = a.CreateChild();
+    Space& b = root.CreateChild();
+    for (Space* space : {&root, &a, &a1, &b})
+    {
+        AddObject(*space).Get().Destroy();
+    }
+    AddObject(a1).Get().Destroy();
+    // Each space: its objects plus their transforms.
+    EXPECT_EQ(root.DeleteDestroyedTree(game), 10u);
+    std::vector<Space*> order;
+    for (const RecordingSystem::Call& call : recorder.calls)
+    {
+        order.push_back(call.space);
+    }
+    EXPECT_EQ(order, (std::vector<Space*>{&b, &a1, &a, &root}));
+}
+
+TEST_F(SpaceObjects, DestroyTakesUnflaggedChildrenAndAllTheirObjects)
+{
+    Space& child = root.CreateChild();
+    Space& grandchild = child.CreateChild();
+    const GameObjectHandle parent = AddObject(grandchild);
+    AddObject(grandchild, parent);
+    AddObject(child);
+    const GameObjectHandle survivor = AddObject(root);
+
+    LogCapture capture;
+    child.destroyRequested = true;
+    root.DestroyFlagged(game);
+    EXPECT_EQ(root.firstChild, nullptr);
+    ASSERT_EQ(recorder.calls.size(), 2u);
+    EXPECT_EQ(recorder.calls[0].objects, 0u);
+    EXPECT_EQ(recorder.calls[0].transforms, 2u);
+    EXPECT_TRUE(survivor.IsValid());
+    EXPECT_EQ(capture.Count(LogLevel::Error), 0u);
+
+    root.Destroy(game);
+    destroyed = true;
+    EXPECT_TRUE(root.objects.empty());
+    EXPECT_EQ(root.transforms.Count(), 0u);
+}
+
+TEST_F(SpaceObjects, FailedLevelsAreReportedChildrenFirstAndNotRetried)
+{
+    Space& child = root.CreateChild();
+    Space& grandchild = child.CreateChild();
+    root.ScheduleLevel("Levels/Root.lvl");
+    grandchild.ScheduleLevel("Levels/Deep.lvl");
+    child.levelName = "Levels/Quiet.lvl";
+    const GameObjectHandle kept = AddObject(root);
+
+    LogCapture capture;
+    root.LoadScheduledLevels(game);
+    root.LoadScheduledLevels(game);
+    EXPECT_EQ(capture.Messages("Space", LogLevel::Error),
+              (std::vector<std::string>{"Failed to load level: Levels/Deep.lvl",
+                                        "Failed to load level: Levels/Root.lvl"}));
+    EXPECT_FALSE(root.IsLevelScheduled());
+    EXPECT_TRUE(kept.IsValid()) << "a level that fails leaves the old objects";
+}
+
+} // namespace

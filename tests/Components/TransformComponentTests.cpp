@@ -1,0 +1,283 @@
+#include "Components/Space.h"
+#include "Core/Game.h"
+#include "Support/LogCapture.h"
+#include "Support/RaiseCheck.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <map>
+#include <random>
+#include <set>
+
+namespace
+{
+
+using Components::TransformComponent;
+
+class Transforms : public testing::Test
+{
+protected:
+    ~Transforms() override { space.Destroy(game); }
+
+    GameObjectHandle NewObject(Vec2 position = {}, float rotation = 0.0f)
+    {
+        const GameObjectHandle handle = space.CreateObject();
+        handle.Get().AddComponent(Components::Transform);
+        Of(handle).position = position;
+        Of(handle).rotation = rotation;
+        return handle;
+    }
+
+    TransformComponent& Of(GameObjectHandle handle)
+    {
+        return space.transforms.components.at(handle.Get().GetTransform());
+    }
+
+    Handle HandleOf(GameObjectHandle handle) { return handle.Get().GetTransform(); }
+
+    std::vector<Handle> Children(GameObjectHandle handle)
+    {
+        std::vector<Handle> children;
+        for (Handle child = Of(handle).firstChild; !child.IsNull();
+             child = space.transforms.components.at(child).nextSibling)
+        {
+            children.push_back(child);
+        }
+        return children;
+    }
+
+    Core::Game game{nullptr, Core::GameSettings{}};
+    Space& space = game.rootSpace;
+};
+
+void ExpectNear(Vec2 actual, Vec2 expected, float tolerance = 1e-4f)
+{
+    EXPECT_NEAR(actual.x, expected.x, tolerance);
+    EXPECT_NEAR(actual.y, expected.y, tolerance);
+}
+
+TEST_F(Transforms, WorldValuesTurnByTheParentAndAddOnlyOneLevelOfRotation)
+{
+    const float quarter = static_cast<float>(M_PI / 2);
+    const GameObjectHandle grandparent = NewObject({10, 0}, quarter);
+    const GameObjectHandle parent = NewObject({1, 0}, quarter);
+    const GameObjectHandle child = NewObject({2, 0}, 0.25f);
+    Of(grandparent).scale = {5, 5};
+    Of(parent).SetParent(HandleOf(grandparent), true);
+    Of(child).SetParent(HandleOf(parent), true);
+
+    ExpectNear(Of(parent).GetWorldPosition(), {10, 1});
+    // The parent's world rotation is half a turn, so the child's offset (2, 0) points to -x; no scale.
+    ExpectNear(Of(child).GetWorldPosition(), {8, 1});
+    EXPECT_FLOAT_EQ(Of(child).GetWorldRotation(), 0.25f + quarter);
+
+    // Written world rotation reads back off by the grandparent's own rotation.
+    Of(child).SetWorldRotation(1.0f);
+    EXPECT_FLOAT_EQ(Of(child).rotation, 1.0f - 2 * quarter);
+    EXPECT_FLOAT_EQ(Of(child).GetWorldRotation(), 1.0f - quarter);
+}
+
+TEST_F(Transforms, WorldPositionRoundTripsAtDepthEight)
+{
+    std::vector<GameObjectHandle> chain = {NewObject({3, -2}, 0.3f)};
+    for (int depth = 1; depth < 8; ++depth)
+    {
+        chain.push_back(
+            NewObject({1.5f, 0.5f * static_cast<float>(depth)}, 0.2f * static_cast<float>(depth)));
+        Of(chain.back()).SetParent(HandleOf(chain[chain.size() - 2]), true);
+    }
+    TransformComponent& deepest = Of(chain.back());
+    for (const Vec2 target : {Vec2{0, 0}, Vec2{100, -40}, Vec2{-3.25f, 7.5f}})
+    {
+        deepest.SetWorldPosition(target);
+        ExpectNear(deepest.GetWorldPosition(), target, 1e-3f);
+    }
+}
+
+TEST_F(Transforms, ReparentingKeepsTheWorldPlaceUnlessToldToKeepLocalValues)
+{
+    const GameObjectHandle first = NewObject({5, 5}, 0.5f);
+    const GameObjectHandle second = NewObject({-4, 2}, -1.0f);
+    const GameObjectHandle mover = NewObject({1, 2}, 0.1f);
+    Of(mover).SetParent(HandleOf(first), false);
+    ExpectNear(Of(mover).GetWorldPosition(), {1, 2});
+    EXPECT_NEAR(Of(mover).GetWorldRotation(), 0.1f, 1e-5f);
+
+    Of(mover).SetParent(HandleOf(second), false);
+    ExpectNear(Of(mover).GetWorldPosition(), {1, 2});
+    EXPECT_TRUE(Children(first).empty());
+    EXPECT_EQ(Children(second), std::vector<Handle>{HandleOf(mover)});
+
+    const Vec2 local = Of(mover).position;
+    Of(mover).ClearParent(true);
+    EXPECT_EQ(Of(mover).position, local);
+    EXPECT_TRUE(Of(mover).parent.IsNull());
+    EXPECT_TRUE(Children(second).empty());
+}
+
+TEST_F(Transforms, ChildListsTakeNewcomersAtTheFrontAndLoseLeaversAnywhere)
+{
+    const GameObjectHandle parent = NewObject();
+    std::vector<GameObjectHandle> kids;
+    for (int index = 0; index < 4; ++index)
+    {
+        kids.push_back(NewObject());
+        Of(kids.back()).SetParent(HandleOf(parent), true);
+    }
+    EXPECT_EQ(Children(parent), (std::vector<Handle>{HandleOf(kids[3]), HandleOf(kids[2]), HandleOf(kids[1]),
+                                                     HandleOf(kids[0])}));
+    Of(kids[2]).ClearParent(true);
+    // Removing the component unlinks it as well, before the object forgets the handle.
+    kids[0].Get().RemoveComponent(Components::Transform);
+    EXPECT_EQ(Children(parent), (std::vector<Handle>{HandleOf(kids[3]), HandleOf(kids[1])}));
+    EXPECT_TRUE(Of(kids[2]).nextSibling.IsNull());
+}
+
+TEST_F(Transforms, BrokenTreesAndBadParentsRaise)
+{
+    const GameObjectHandle top = NewObject();
+    const GameObjectHandle middle = NewObject();
+    const GameObjectHandle bottom = NewObject();
+    Of(middle).SetParent(HandleOf(top), true);
+    Of(bottom).SetParent(HandleOf(middle), true);
+    EXPECT_TRUE(Of(top).IsDescendant(HandleOf(bottom)));
+    EXPECT_FALSE(Of(bottom).IsDescendant(HandleOf(top)));
+
+    ExpectRaise([&] { Of(top).SetParent(HandleOf(bottom), true); }, "Transform",
+                "Tried to set a transform component's parent to a descendant");
+    Of(top).parent = Handle{}; // undo what the refused call left
+
+    ExpectRaise(
+        [&] {
+            Of(top).SetParent(Handle{77, 3}, true);
+        },
+        "Transform", "Transform has a NULL parent object");
+    Of(top).parent = Handle{};
+
+    ExpectRaise([&] { Of(top).GetParentTransform(); }, "Transform", "Transform component has no parent");
+    TransformComponent spaceless(GameObjectHandle{});
+    ExpectRaise([&] { spaceless.GetParentTransform(); }, "Transform", "Transform has no space");
+    spaceless.parent = Handle{0, 1};
+    ExpectRaise([&] { spaceless.ClearParent(true); }, "Component", "Transform component has no space");
+
+    LogCapture capture;
+    TransformComponent stray(top);
+    stray.nextSibling = HandleOf(top);
+    stray.ClearParent(true);
+    EXPECT_EQ(capture.Messages("Transform", LogLevel::Error),
+              std::vector<std::string>{"Transform still has siblings after clearing parent"});
+}
+
+// Random create, reparent, detach, destroy and frame-end steps, checked against the tree's invariants.
+class TransformModel : public Transforms
+{
+protected:
+    void CheckTree()
+    {
+        std::map<uint64_t, int> listed;
+        for (const TransformComponent& transform : space.transforms.components)
+        {
+            if (transform.destroyed)
+            {
+                continue;
+            }
+            for (Handle child = transform.firstChild; !child.IsNull();)
+            {
+                const TransformComponent* found = space.transforms.components.Find(child);
+                ASSERT_NE(found, nullptr) << "dangling sibling link";
+                ASSERT_FALSE(found->destroyed) << "a flagged transform in a living list";
+                ++listed[child.Value()];
+                child = found->nextSibling;
+            }
+        }
+        for (const GameObjectHandle handle : live)
+        {
+            const TransformComponent& transform = Of(handle);
+            const uint64_t own = HandleOf(handle).Value();
+            if (transform.parent.IsNull())
+            {
+                ASSERT_TRUE(transform.nextSibling.IsNull());
+                ASSERT_EQ(listed.count(own), 0u);
+                continue;
+            }
+            ASSERT_EQ(listed[own], 1) << "each child once in its parent's list";
+            const TransformComponent& parent = space.transforms.components.at(transform.parent);
+            bool found = false;
+            for (Handle child = parent.firstChild; !child.IsNull();
+                 child = space.transforms.components.at(child).nextSibling)
+            {
+                found = found || child.Value() == own;
+            }
+            ASSERT_TRUE(found) << "listed under its own parent";
+            std::set<uint64_t> seen = {own};
+            for (Handle up = transform.parent; !up.IsNull(); up = space.transforms.components.at(up).parent)
+            {
+                ASSERT_TRUE(seen.insert(up.Value()).second) << "cycle";
+            }
+        }
+    }
+
+    std::vector<GameObjectHandle> live;
+};
+
+TEST_F(TransformModel, RandomStepsKeepTheTreeWhole)
+{
+    std::mt19937 random(777);
+    LogCapture capture;
+    const auto pick = [&] { return live[random() % live.size()]; };
+    for (int step = 0; step < 6000; ++step)
+    {
+        const uint32_t choice = random() % 100;
+        if (choice < 30 || live.size() < 2)
+        {
+            live.push_back(
+                NewObject({static_cast<float>(random() % 200) - 100.0f, static_cast<float>(random() % 50)},
+                          static_cast<float>(random() % 628) / 100.0f));
+        }
+        else if (choice < 65)
+        {
+            const GameObjectHandle child = pick();
+            const GameObjectHandle parent = pick();
+            if (Of(child).IsDescendant(HandleOf(parent)))
+            {
+                continue;
+            }
+            const bool keepLocal = random() % 2 == 0;
+            const Vec2 before = Of(child).GetWorldPosition();
+            Of(child).SetParent(HandleOf(parent), keepLocal);
+            if (!keepLocal)
+            {
+                ExpectNear(Of(child).GetWorldPosition(), before, 5e-2f);
+            }
+        }
+        else if (choice < 75)
+        {
+            const GameObjectHandle child = pick();
+            const bool keepLocal = random() % 2 == 0;
+            const Vec2 before = Of(child).GetWorldPosition();
+            Of(child).ClearParent(keepLocal);
+            if (!keepLocal)
+            {
+                ExpectNear(Of(child).GetWorldPosition(), before, 5e-2f);
+            }
+        }
+        else if (choice < 90)
+        {
+            // Marked objects stay in the tree until the frame ends, but the model stops using them.
+            pick().Get().Destroy();
+            std::erase_if(live, [](GameObjectHandle handle) { return handle.Get().destroyed; });
+        }
+        else
+        {
+            space.DeleteDestroyed(game);
+        }
+        if (step % 50 == 0)
+        {
+            ASSERT_NO_FATAL_FAILURE(CheckTree()) << "step " << step;
+        }
+    }
+    EXPECT_EQ(capture.Count(LogLevel::Error), 0u);
+    EXPECT_EQ(capture.Count(LogLevel::Fatal), 0u);
+}
+
+} // namespace
