@@ -1,8 +1,10 @@
 #include "Lua/LuaSystem.h"
 
 #include "Debug/Logger.h"
+#include "FileSystem/Paths.h"
 #include "Lua/EngineRandom.h"
 #include "Lua/Environments.h"
+#include "Lua/SaveFile.h"
 
 #include <array>
 #include <cstdlib>
@@ -50,6 +52,16 @@ int Panic(lua_State* L)
     Logger::Raise("LuaSystem", text);
 }
 
+// os.SaveFile, loaded from the save file now, before any script exists.
+void AddSaveTable(lua_State* L)
+{
+    lua_getglobal(L, "os");
+    const std::string* path = FileSystem::GetSavePath();
+    BuildSaveTable(L, path != nullptr ? path->c_str() : nullptr);
+    lua_setfield(L, -2, "SaveFile");
+    lua_pop(L, 1);
+}
+
 } // namespace
 
 void* LuaSystem::Allocate(void* system, void* block, size_t oldSize, size_t newSize)
@@ -89,6 +101,7 @@ bool LuaSystem::Initialise(Core::Window*)
         lua_pop(state, 1);
     }
     InstallEngineRandom(state);
+    AddSaveTable(state);
     return true;
 }
 
