@@ -143,8 +143,8 @@ std::unique_ptr<uint8_t[]> ReadPixels(BinarySerializer& serializer, uint32_t pix
     RequireRows(serializer, pixelOffset, height, layout);
     serializer.Seek(static_cast<long>(pixelOffset), SeekOrigin::Begin);
     auto pixels = std::make_unique_for_overwrite<uint8_t[]>(width * height * 4);
-    // An image without width has nothing to read, however many rows it claims.
-    if (width == 0)
+    // An image without area has nothing to read, however many rows or columns it claims.
+    if (width == 0 || height == 0)
     {
         return pixels;
     }
