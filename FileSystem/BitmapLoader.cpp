@@ -54,9 +54,10 @@ std::shared_ptr<Graphics::Bitmap> LoadBitmapFile(const std::string& name)
     std::FILE* const file = std::fopen(name.c_str(), "rb");
     if (file == nullptr)
     {
+        const int error = errno;
         // The message has no closing quote.
         Logger::Log("AssetManager", LogLevel::Error,
-                    "Failed to open bitmap file \"" + name + ": " + std::strerror(errno));
+                    "Failed to open bitmap file \"" + name + ": " + std::strerror(error));
         return nullptr;
     }
     // The serializer owns the file and closes it however the decoding ends.

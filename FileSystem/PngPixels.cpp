@@ -145,6 +145,11 @@ void UnfilterRowOfType(uint8_t filter, const uint8_t* filtered, uint8_t* out, co
 template <uint32_t Bytes>
 bool Unfilter(const uint8_t* filtered, uint8_t* pixels, uint64_t width, uint64_t height)
 {
+    // A header may claim any width for no rows at all; no zero row is made for those.
+    if (height == 0)
+    {
+        return true;
+    }
     const uint64_t rowBytes = width * 4;
     // The row above the first counts as zeros.
     const std::vector<uint8_t> zeroRow(rowBytes, 0);

@@ -134,7 +134,7 @@ TEST(PngDecoder, RefusedFilesSayWhy)
     const Bytes surplus = Deflate(Bytes(20, 0));
     const Bytes shortStream = Deflate(Bytes(5, 0));
     Bytes cutStream = Deflate(FilterRows(kSmallRgb, 2, 2, 3, {0}));
-    cutStream.resize(cutStream.size() - 6);
+    cutStream.erase(cutStream.end() - 6, cutStream.end());
     const Bytes tail = PngChunk("IEND", {});
     const std::vector<std::pair<Bytes, std::string>> cases = {
         {badSignature, "PNG file has invalid header"},
@@ -177,6 +177,16 @@ TEST(PngDecoder, RefusedFilesSayWhy)
         EXPECT_FALSE(Decode(file)) << message;
         EXPECT_EQ(log.Messages("AssetManager", LogLevel::Error), std::vector<std::string>{message});
     }
+}
+
+TEST(PngDecoder, AnImageWithoutRowsAllocatesNothingForItsWidth)
+{
+    const std::shared_ptr<Graphics::Bitmap> bitmap =
+        Decode(AssemblePng({PngChunk("IHDR", PngHeaderData(0xFFFFFFFF, 0, 8, 6)),
+                            PngChunk("IDAT", Deflate({})), PngChunk("IEND", {})}));
+    ASSERT_TRUE(bitmap);
+    EXPECT_EQ(bitmap->width, 0xFFFFFFFFu);
+    EXPECT_EQ(bitmap->height, 0u);
 }
 
 TEST(PngDecoder, TruncationAndHugeLengthsRaiseInsteadOfAllocating)
