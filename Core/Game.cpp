@@ -4,7 +4,9 @@
 #include "Debug/Clock.h"
 #include "Debug/Logger.h"
 #include "Debug/Profile.h"
+#include "FileSystem/AssetManager.h"
 #include "FileSystem/Paths.h"
+#include "Graphics/Bitmap.h"
 
 #include <chrono>
 
@@ -200,6 +202,10 @@ bool Game::LoadScheduledLevels()
         return false;
     }
     Debug::ProfileBlock block("Load Level");
+    FileSystem::EraseExpiredBitmaps();
+    // Bitmaps the old level used are held across the load, so what the new level shares with it is found
+    // alive instead of being decoded again; the rest dies when the hold ends.
+    const std::vector<std::shared_ptr<Graphics::Bitmap>> held = FileSystem::LockCachedBitmaps();
     rootSpace.LoadScheduledLevels(*this);
     return true;
 }

@@ -32,6 +32,15 @@ void TempFolder::MakeFolder(const std::filesystem::path& relative) const
     std::filesystem::create_directories(path / relative);
 }
 
+std::string TempFolder::Write(const std::string& name, const std::vector<uint8_t>& bytes) const
+{
+    const std::filesystem::path file = path / name;
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream stream(file, std::ios::binary);
+    stream.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    return file.string();
+}
+
 ScopedWorkingDirectory::ScopedWorkingDirectory(const std::filesystem::path& directory)
     : previous(std::filesystem::current_path())
 {

@@ -3,9 +3,11 @@
 // A fresh temporary folder for one test, removed with everything in it at the end of the scope. It can be
 // made the working directory for the scope, and it can stand in for the user's HOME.
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 class TempFolder
 {
@@ -19,6 +21,9 @@ public:
     // Makes an empty file, with its folders.
     void Touch(const std::filesystem::path& relative) const;
     void MakeFolder(const std::filesystem::path& relative) const;
+    // Writes the file, with its folders, and returns its full path as a string.
+    std::string Write(const std::string& name, const std::vector<uint8_t>& bytes) const;
+    std::string PathOf(const std::string& name) const { return (path / name).string(); }
 
 private:
     std::filesystem::path path;
