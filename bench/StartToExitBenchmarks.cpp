@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 #include <chrono>
 #include <csignal>
+#include <fcntl.h>
 #include <spawn.h>
 #include <string>
 #include <sys/wait.h>
@@ -28,6 +29,8 @@ pid_t Spawn(int& output)
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, pipeEnds[1], STDOUT_FILENO);
     posix_spawn_file_actions_addclose(&actions, pipeEnds[0]);
+    // Without a start level the run logs an Error line that would interleave with the report.
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
     std::string executable = QUELLMAR_EXECUTABLE;
     char* argv[] = {executable.data(), nullptr};
     pid_t child = -1;
