@@ -108,9 +108,12 @@ void Game::GameLoop()
     LeaveLoop();
 }
 
-// Systems start on the thread that runs the loop; each registers its script types once all have started.
+// Systems start on the thread that runs the loop, in the order in which they update: physics reports
+// contacts by queueing coroutines that lua then runs in the same frame. Each registers its script types
+// once all have started.
 void Game::StartSystems()
 {
+    AddSystem(physics, window);
     AddSystem(lua, window);
     for (System* system : systems)
     {

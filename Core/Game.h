@@ -8,6 +8,7 @@
 #include "Core/GameSettings.h"
 #include "Core/System.h"
 #include "Lua/LuaSystem.h"
+#include "Physics/PhysicsSystem.h"
 
 #include <atomic>
 #include <cstdint>
@@ -41,6 +42,7 @@ public:
 
     // The systems come first: they outlive the spaces whose contents hold their resources.
     Lua::LuaSystem lua;
+    Physics::PhysicsSystem physics;
     Space rootSpace;
     bool debugDraw = false;
     GameSettings settings;

@@ -1,0 +1,42 @@
+#include "Physics/Integration.h"
+
+#include "Physics/VectorMath.h"
+
+using Components::RigidBodyComponent;
+using Components::TransformComponent;
+
+namespace Physics
+{
+
+Vec2 DragForce(const RigidBodyComponent& body, float drag)
+{
+    if (body.ignoreDrag)
+    {
+        return Vec2{};
+    }
+    const Vec2 velocity = body.velocity;
+    const float magnitude = -((velocity.x * velocity.x + velocity.y * velocity.y) * drag);
+    return Scale(Normalise(velocity), magnitude);
+}
+
+void Integrate(Slotmap<RigidBodyComponent>& bodies, Slotmap<TransformComponent>& transforms, Vec2 gravity,
+               float drag, float dt)
+{
+    const uint32_t count = bodies.size();
+    for (uint32_t place = 0; place < count; ++place)
+    {
+        RigidBodyComponent& body = bodies[place];
+        TransformComponent* transform = transforms.Find(body.transform);
+        if (transform == nullptr || !body.HasMass())
+        {
+            continue;
+        }
+        const Vec2 force = gravity + DragForce(body, drag);
+        body.velocity.x += force.x * dt / body.mass;
+        body.velocity.y += force.y * dt / body.mass;
+        transform->position.x += body.velocity.x * dt;
+        transform->position.y += body.velocity.y * dt;
+    }
+}
+
+} // namespace Physics

@@ -1,0 +1,65 @@
+#include "Physics/PhysicsSystem.h"
+
+#include "Core/Game.h"
+#include "Debug/Profile.h"
+#include "Physics/Integration.h"
+#include "Physics/Response.h"
+
+#include <lua.hpp>
+
+namespace Physics
+{
+
+bool PhysicsSystem::Initialise(Core::Window*)
+{
+    gravity = Vec2{};
+    return true;
+}
+
+void PhysicsSystem::Update(Core::Game&, Space& space, double dt, double, double)
+{
+    if (space.paused)
+    {
+        return;
+    }
+    Step(space, static_cast<float>(dt));
+}
+
+void PhysicsSystem::Step(Space& space, float dt)
+{
+    Debug::ProfileBlock block("Physics");
+    {
+        Debug::ProfileBlock velocity("Velocity");
+        Integrate(space.rigidBodies.components, space.transforms.components, gravity, drag, dt);
+    }
+    {
+        Debug::ProfileBlock detection("Collision Detection");
+        contactFinder.FindContacts(space, contacts);
+    }
+    Debug::ProfileBlock response("Collision Response");
+    RespondToContacts(space, contacts, collisionListener);
+}
+
+void PhysicsSystem::RegisterScriptTypes(Lua::LuaSystem&)
+{
+}
+
+void PhysicsSystem::ObjectsDestroyed(Core::Game& game, Space& space)
+{
+    lua_State* state = game.lua.state;
+    for (Components::ColliderComponent& collider : space.colliders.components)
+    {
+        if (!collider.destroyed || collider.collisionEvents == 0)
+        {
+            continue;
+        }
+        // Without a state no reference can have been taken, so there is nothing to give back.
+        if (state != nullptr && collider.collisionEvents > 0)
+        {
+            luaL_unref(state, LUA_REGISTRYINDEX, collider.collisionEvents);
+        }
+        collider.collisionEvents = 0;
+    }
+}
+
+} // namespace Physics

@@ -1,0 +1,54 @@
+#pragma once
+
+// The system that moves rigid bodies, finds circle contacts and answers them with impulses, in single
+// precision, each space by itself with its own dt. A step is integration, then detection, then response;
+// there is no sub-stepping and no solver iteration, and the same scene stepped with the same dts gives the
+// same bits. Gravity and drag belong to the system, are shared by all spaces and survive level loads.
+//
+// Scripts reach none of this yet: the RigidBody and Collider script types, the Physics script table and the
+// running of collision handlers come with the physics bindings, which plug in through collisionListener
+// and RegisterScriptTypes.
+
+#include "Components/Vec2.h"
+#include "Core/System.h"
+#include "Physics/Contact.h"
+#include "Physics/ContactFinder.h"
+
+#include <vector>
+
+namespace Physics
+{
+
+class CollisionListener;
+
+class PhysicsSystem final : public Core::System
+{
+public:
+    const char* Name() const override { return "Physics"; }
+    // Gravity starts at (0, 0); drag keeps its value.
+    bool Initialise(Core::Window* window) override;
+    // Steps the space unless it is paused.
+    void Update(Core::Game& game, Space& space, double dt, double spaceTime, double absoluteTime) override;
+    // Adds nothing yet: the script types arrive with the physics bindings.
+    void RegisterScriptTypes(Lua::LuaSystem& lua) override;
+    // Releases the handler tables of the space's flagged colliders before the sweep.
+    void ObjectsDestroyed(Core::Game& game, Space& space) override;
+    void Shutdown() override {}
+
+    // One step of the space, paused or not.
+    void Step(Space& space, float dt);
+
+    // A constant force on every body, divided by its mass like any other.
+    Vec2 gravity;
+    // The quadratic drag coefficient.
+    float drag = 0.03125f;
+    // Hears every contact of a collider with handlers; none while null.
+    CollisionListener* collisionListener = nullptr;
+
+private:
+    // Kept between steps so that a step allocates only while a scene grows.
+    ContactFinder contactFinder;
+    std::vector<Contact> contacts;
+};
+
+} // namespace Physics
