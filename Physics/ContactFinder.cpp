@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cassert>
 #include <cmath>
 
 using Components::ColliderComponent;
@@ -35,14 +36,26 @@ bool FitsGrid(Vec2 position, float radius)
            std::fabs(radius) <= kGridLimit;
 }
 
-double Reach(float radius)
+// Rounded up to a float, so that the square is never smaller than the margins ask.
+float Reach(float radius)
 {
-    return std::fabs(static_cast<double>(radius)) * (1.0 + kRelativeMargin) + kAbsoluteMargin;
+    const double reach = std::fabs(static_cast<double>(radius)) * (1.0 + kRelativeMargin) + kAbsoluteMargin;
+    const auto rounded = static_cast<float>(reach);
+    return static_cast<double>(rounded) >= reach ? rounded : std::nextafter(rounded, 2.0f * rounded);
+}
+
+// Exact enough: rounding is monotonic, so two squares that overlap as real numbers also overlap here.
+bool Overlap(float a, float b, float reachA, float reachB)
+{
+    return std::fabs(static_cast<double>(a) - static_cast<double>(b)) <=
+           static_cast<double>(reachA) + static_cast<double>(reachB);
 }
 
 int32_t Cell(double coordinate, double origin, double cellSize)
 {
-    return static_cast<int32_t>(std::floor((coordinate - origin) / cellSize));
+    const double cell = std::floor((coordinate - origin) / cellSize);
+    assert(cell >= 0.0 && cell <= kMaxCellIndex + 1.0);
+    return static_cast<int32_t>(cell);
 }
 
 } // namespace
@@ -106,7 +119,8 @@ void ContactFinder::Gather(Space& space)
 void ContactFinder::Classify()
 {
     const size_t count = proxies.size();
-    bounds.resize(count);
+    extents.resize(count);
+    cellRanges.resize(count);
     isWide.assign(count, false);
     reaches.clear();
     double minX = 0.0, minY = 0.0, maxX = 0.0, maxY = 0.0;
@@ -118,19 +132,20 @@ void ContactFinder::Classify()
             isWide[index] = true;
             continue;
         }
-        const double reach = Reach(proxy.radius);
-        Bounds& box = bounds[index];
-        box.minX = proxy.position.x - reach;
-        box.minY = proxy.position.y - reach;
-        box.maxX = proxy.position.x + reach;
-        box.maxY = proxy.position.y + reach;
+        const Extent extent{proxy.position.x, proxy.position.y, Reach(proxy.radius),
+                            static_cast<uint32_t>(index)};
+        extents[index] = extent;
+        const double low[2] = {static_cast<double>(extent.x) - extent.reach,
+                               static_cast<double>(extent.y) - extent.reach};
+        const double high[2] = {static_cast<double>(extent.x) + extent.reach,
+                                static_cast<double>(extent.y) + extent.reach};
         if (reaches.empty())
         {
-            minX = box.minX, minY = box.minY, maxX = box.maxX, maxY = box.maxY;
+            minX = low[0], minY = low[1], maxX = high[0], maxY = high[1];
         }
-        minX = std::min(minX, box.minX), minY = std::min(minY, box.minY);
-        maxX = std::max(maxX, box.maxX), maxY = std::max(maxY, box.maxY);
-        reaches.push_back(reach);
+        minX = std::min(minX, low[0]), minY = std::min(minY, low[1]);
+        maxX = std::max(maxX, high[0]), maxY = std::max(maxY, high[1]);
+        reaches.push_back(extent.reach);
     }
 
     wide.clear();
@@ -146,13 +161,14 @@ void ContactFinder::Classify()
     {
         if (!isWide[index])
         {
-            Bounds& box = bounds[index];
-            box.cellMinX = Cell(box.minX, originX, cellSize);
-            box.cellMinY = Cell(box.minY, originY, cellSize);
-            box.cellMaxX = Cell(box.maxX, originX, cellSize);
-            box.cellMaxY = Cell(box.maxY, originY, cellSize);
-            isWide[index] = box.cellMaxX - box.cellMinX >= kMaxCellsAcross ||
-                            box.cellMaxY - box.cellMinY >= kMaxCellsAcross;
+            const Extent& extent = extents[index];
+            CellRange& range = cellRanges[index];
+            range.minX = Cell(static_cast<double>(extent.x) - extent.reach, originX, cellSize);
+            range.minY = Cell(static_cast<double>(extent.y) - extent.reach, originY, cellSize);
+            range.maxX = Cell(static_cast<double>(extent.x) + extent.reach, originX, cellSize);
+            range.maxY = Cell(static_cast<double>(extent.y) + extent.reach, originY, cellSize);
+            isWide[index] =
+                range.maxX - range.minX >= kMaxCellsAcross || range.maxY - range.minY >= kMaxCellsAcross;
         }
         if (isWide[index])
         {
@@ -178,9 +194,9 @@ void ContactFinder::BuildGrid()
     {
         if (!isWide[index])
         {
-            const Bounds& box = bounds[index];
-            total += static_cast<size_t>(box.cellMaxX - box.cellMinX + 1) *
-                     static_cast<size_t>(box.cellMaxY - box.cellMinY + 1);
+            const CellRange& range = cellRanges[index];
+            total += static_cast<size_t>(range.maxX - range.minX + 1) *
+                     static_cast<size_t>(range.maxY - range.minY + 1);
         }
     }
     const size_t bucketCount = std::bit_ceil(std::max<size_t>(16, total * 2));
@@ -192,10 +208,10 @@ void ContactFinder::BuildGrid()
         {
             continue;
         }
-        const Bounds& box = bounds[index];
-        for (int32_t cellY = box.cellMinY; cellY <= box.cellMaxY; ++cellY)
+        const CellRange& range = cellRanges[index];
+        for (int32_t cellY = range.minY; cellY <= range.maxY; ++cellY)
         {
-            for (int32_t cellX = box.cellMinX; cellX <= box.cellMaxX; ++cellX)
+            for (int32_t cellX = range.minX; cellX <= range.maxX; ++cellX)
             {
                 ++bucketStart[Bucket(cellX, cellY)];
             }
@@ -214,12 +230,12 @@ void ContactFinder::BuildGrid()
         {
             continue;
         }
-        const Bounds& box = bounds[index];
-        for (int32_t cellY = box.cellMinY; cellY <= box.cellMaxY; ++cellY)
+        const CellRange& range = cellRanges[index];
+        for (int32_t cellY = range.minY; cellY <= range.maxY; ++cellY)
         {
-            for (int32_t cellX = box.cellMinX; cellX <= box.cellMaxX; ++cellX)
+            for (int32_t cellX = range.minX; cellX <= range.maxX; ++cellX)
             {
-                entries[--bucketStart[Bucket(cellX, cellY)]] = index;
+                entries[--bucketStart[Bucket(cellX, cellY)]] = extents[index];
             }
         }
     }
@@ -244,26 +260,26 @@ void ContactFinder::CollectCandidates(uint32_t proxy)
 
 void ContactFinder::CollectFromGrid(uint32_t proxy)
 {
-    const Bounds& box = bounds[proxy];
+    const Extent& extent = extents[proxy];
+    const CellRange& range = cellRanges[proxy];
     const uint32_t stamp = proxy + 1;
-    for (int32_t cellY = box.cellMinY; cellY <= box.cellMaxY; ++cellY)
+    const auto after = [](uint32_t value, const Extent& entry) { return value < entry.proxy; };
+    for (int32_t cellY = range.minY; cellY <= range.maxY; ++cellY)
     {
-        for (int32_t cellX = box.cellMinX; cellX <= box.cellMaxX; ++cellX)
+        for (int32_t cellX = range.minX; cellX <= range.maxX; ++cellX)
         {
             const uint32_t bucket = Bucket(cellX, cellY);
             const auto begin = entries.begin() + bucketStart[bucket];
             const auto end = entries.begin() + bucketStart[bucket + 1];
-            for (auto entry = std::upper_bound(begin, end, proxy); entry != end; ++entry)
+            for (auto entry = std::upper_bound(begin, end, proxy, after); entry != end; ++entry)
             {
-                const uint32_t other = *entry;
-                const Bounds& otherBox = bounds[other];
-                if (seenBy[other] == stamp || otherBox.minX > box.maxX || box.minX > otherBox.maxX ||
-                    otherBox.minY > box.maxY || box.minY > otherBox.maxY)
+                if (!Overlap(extent.x, entry->x, extent.reach, entry->reach) ||
+                    !Overlap(extent.y, entry->y, extent.reach, entry->reach) || seenBy[entry->proxy] == stamp)
                 {
                     continue;
                 }
-                seenBy[other] = stamp;
-                candidates.push_back(other);
+                seenBy[entry->proxy] = stamp;
+                candidates.push_back(entry->proxy);
             }
         }
     }

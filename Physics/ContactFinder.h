@@ -38,11 +38,19 @@ private:
         int16_t group;
     };
 
-    // A box around a proxy that holds every point its contacts can reach, and the grid cells it covers.
-    struct Bounds
+    // A square around a proxy, of half-width `reach`, that holds every point its contacts can reach. The
+    // grid's entries carry it, so a bucket is scanned without a jump to the proxies.
+    struct Extent
     {
-        double minX, minY, maxX, maxY;
-        int32_t cellMinX, cellMinY, cellMaxX, cellMaxY;
+        float x;
+        float y;
+        float reach;
+        uint32_t proxy;
+    };
+
+    struct CellRange
+    {
+        int32_t minX, minY, maxX, maxY;
     };
 
     void Gather(Space& space);
@@ -54,17 +62,18 @@ private:
     uint32_t Bucket(int32_t cellX, int32_t cellY) const;
 
     std::vector<Proxy> proxies;
-    std::vector<Bounds> bounds;
+    std::vector<Extent> extents;
+    std::vector<CellRange> cellRanges;
     // Proxies tested against all others, ascending.
     std::vector<uint32_t> wide;
     std::vector<bool> isWide;
-    std::vector<double> reaches;
+    std::vector<float> reaches;
     double cellSize = 1.0;
     double originX = 0.0;
     double originY = 0.0;
-    // The grid: a hash of cells into buckets, each bucket a range of entries (proxies, ascending).
+    // The grid: a hash of cells into buckets, each bucket a range of entries in ascending proxy order.
     std::vector<uint32_t> bucketStart;
-    std::vector<uint32_t> entries;
+    std::vector<Extent> entries;
     uint32_t bucketMask = 0;
     // Per proxy, one more than the last proxy whose candidates already hold it.
     std::vector<uint32_t> seenBy;
