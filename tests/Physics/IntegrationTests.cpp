@@ -102,7 +102,6 @@ TEST_F(Integration, GravityResetsAtStartAndDragKeepsItsValue)
     EXPECT_TRUE(physics.Initialise(nullptr));
     EXPECT_EQ(physics.gravity, Vec2{});
     EXPECT_EQ(physics.drag, 0.5f);
-    EXPECT_STREQ(physics.Name(), "Physics");
 }
 
 } // namespace
