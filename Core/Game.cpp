@@ -5,6 +5,7 @@
 #include "Debug/Logger.h"
 #include "Debug/Profile.h"
 #include "FileSystem/Paths.h"
+#include "Lua/CoreScriptTypes.h"
 
 #include <chrono>
 
@@ -106,10 +107,12 @@ void Game::GameLoop()
     LeaveLoop();
 }
 
-// Systems start on the thread that runs the loop; each registers its script types once all have started.
+// Systems start on the thread that runs the loop; each registers its script types once all have started
+// and the handle types that belong to no system exist.
 void Game::StartSystems()
 {
     AddSystem(lua, window);
+    Lua::RegisterCoreScriptTypes(lua.state);
     for (System* system : systems)
     {
         system->RegisterScriptTypes(lua);
