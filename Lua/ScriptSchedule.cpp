@@ -154,7 +154,7 @@ void ScriptSchedule::SortIfNeeded(Space& space)
 
 void ScriptSchedule::CollectDue(Space& space, double dt)
 {
-    WakeCohorts(dt);
+    WakeCohorts(space, dt);
     // A new coroutine and a NaN sleeper both count this Update's dt from 0.0.
     for (const Entry& entry : wakeNext)
     {
@@ -173,7 +173,7 @@ void ScriptSchedule::CollectDue(Space& space, double dt)
     }
 }
 
-void ScriptSchedule::WakeCohorts(double dt)
+void ScriptSchedule::WakeCohorts(Space& space, double dt)
 {
     for (Cohort& cohort : cohorts)
     {
@@ -182,7 +182,7 @@ void ScriptSchedule::WakeCohorts(double dt)
                !(cohort.sleepers[cohort.woken].waitTime > cohort.elapsed))
         {
             const Sleeper& sleeper = cohort.sleepers[cohort.woken];
-            due.push_back(Due{0, sleeper.id, sleeper.component, cohort.elapsed});
+            AddDue(space, sleeper.component, sleeper.id, cohort.elapsed);
             ++cohort.woken;
         }
     }

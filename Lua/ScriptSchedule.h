@@ -64,7 +64,7 @@ private:
 
     void SortIfNeeded(Space& space);
     void CollectDue(Space& space, double dt);
-    void WakeCohorts(double dt);
+    void WakeCohorts(Space& space, double dt);
     void AddDue(Space& space, Handle component, uint64_t id, double elapsed);
     // Moves coroutines started during the pass into it, or keeps them for the next pass when their place
     // lies behind the one that just ran.
