@@ -2,6 +2,8 @@
 
 #include "Debug/Logger.h"
 
+#include <lua.hpp>
+
 GameObjectHandle GameObjectFactory::CreateObject()
 {
     const Handle handle = objects.Insert(GameObjectHandle{space, Handle{}});
@@ -32,7 +34,7 @@ void GameObjectFactory::AddToDestroyList(GameObject& object)
     destroyList.push_back(object.self.handle);
 }
 
-uint32_t GameObjectFactory::DeleteDestroyedObjects()
+uint32_t GameObjectFactory::DeleteDestroyedObjects(lua_State* L)
 {
     uint32_t deleted = static_cast<uint32_t>(destroyList.size());
     for (const Handle handle : destroyList)
@@ -56,6 +58,12 @@ uint32_t GameObjectFactory::DeleteDestroyedObjects()
                 object->RemoveComponent(type);
             }
         }
+        // The script's userdata lives on as an orphan whose handle stops resolving with the erase.
+        if (object->luaRef > 0 && L != nullptr)
+        {
+            luaL_unref(L, LUA_REGISTRYINDEX, object->luaRef);
+        }
+        object->luaRef = 0;
         objects.Erase(handle);
     }
     destroyList.clear();

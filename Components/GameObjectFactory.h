@@ -10,6 +10,8 @@
 #include <cstdint>
 #include <vector>
 
+struct lua_State;
+
 class GameObjectFactory
 {
 public:
@@ -21,8 +23,9 @@ public:
     GameObject* FindObject(GameObjectHandle handle);
     // For a marked object; raises on an object of another space.
     void AddToDestroyList(GameObject& object);
-    // Deletes the objects on the destroy list, flagging their components, and returns how many went.
-    uint32_t DeleteDestroyedObjects();
+    // Deletes the objects on the destroy list, flagging their components and giving up their script
+    // handles' references in L (null when no Lua state exists), and returns how many went.
+    uint32_t DeleteDestroyedObjects(lua_State* L);
     // Marks every object of the space for deletion.
     void DestroyAllObjects();
 

@@ -114,6 +114,15 @@ public:
         return removed;
     }
 
+    // Exchanges two elements and fixes their slots' indices, so every handle still resolves to its element.
+    // For code that keeps an order of its own in the dense array.
+    void Swap(uint32_t first, uint32_t second)
+    {
+        std::swap(elements[first], elements[second]);
+        slots[elements[first].slot].index = first;
+        slots[elements[second].slot].index = second;
+    }
+
     uint32_t size() const { return static_cast<uint32_t>(elements.size()); }
     bool empty() const { return elements.empty(); }
     // Iteration is in array order, which removals change.

@@ -129,7 +129,7 @@ bool Space::LoadLevel(Core::Game&)
 uint32_t Space::DeleteDestroyed(Core::Game& game)
 {
     Debug::ProfileBlock block("Delete Destroyed Objects");
-    uint32_t deleted = DeleteDestroyedObjects();
+    uint32_t deleted = DeleteDestroyedObjects(game.lua.state);
     if (deleted == 0)
     {
         return 0;
@@ -164,6 +164,7 @@ void Space::Destroy(Core::Game& game)
     }
     DestroyAllObjects();
     DeleteDestroyed(game);
+    game.lua.ForgetSpace(*this);
     if (parent == nullptr)
     {
         Logger::Log("Space", LogLevel::Debug, "Deleting top space");

@@ -7,6 +7,7 @@
 #include "FileSystem/AssetManager.h"
 #include "FileSystem/Paths.h"
 #include "Graphics/Bitmap.h"
+#include "Lua/CoreScriptTypes.h"
 
 #include <chrono>
 
@@ -110,11 +111,12 @@ void Game::GameLoop()
 
 // Systems start on the thread that runs the loop, in the order in which they update: physics reports
 // contacts by queueing coroutines that lua then runs in the same frame. Each registers its script types
-// once all have started.
+// once all have started and the handle types that belong to no system exist.
 void Game::StartSystems()
 {
     AddSystem(physics, window);
     AddSystem(lua, window);
+    Lua::RegisterCoreScriptTypes(lua.state);
     for (System* system : systems)
     {
         system->RegisterScriptTypes(lua);

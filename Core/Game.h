@@ -37,6 +37,13 @@ public:
     // Destroys every child space at once and schedules the start level on the root (the F4 key).
     void Reset();
 
+    // The steps of GameLoop that in-process tests drive themselves: starting the systems; one frame's
+    // clock advance and system updates at a given dt and clock reading; destroying all spaces and shutting
+    // the systems down.
+    void StartSystems();
+    void UpdateSystems(double dt, double time);
+    void LeaveLoop();
+
     // The frame times of the last 60 frames, newest first, in seconds.
     const std::vector<double>& FrameTimes() const { return frameTimes; }
 
@@ -63,9 +70,6 @@ private:
     // Loads scheduled levels; true if any was scheduled.
     bool LoadScheduledLevels();
     void HandleGameEvents();
-    void UpdateSystems(double dt, double time);
-    void StartSystems();
-    void LeaveLoop();
 
     double previousTime = 0.0;
     std::vector<double> frameTimes;

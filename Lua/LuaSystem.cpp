@@ -1,10 +1,16 @@
 #include "Lua/LuaSystem.h"
 
+#include "Components/Space.h"
 #include "Debug/Logger.h"
+#include "Debug/Profile.h"
 #include "FileSystem/Paths.h"
 #include "Lua/EngineRandom.h"
 #include "Lua/Environments.h"
+#include "Lua/FileSystemScript.h"
 #include "Lua/SaveFile.h"
+#include "Lua/ScriptComponentScript.h"
+#include "Lua/ScriptHandles.h"
+#include "Lua/Wait.h"
 
 #include <array>
 #include <cstdlib>
@@ -101,13 +107,25 @@ bool LuaSystem::Initialise(Core::Window*)
         lua_pop(state, 1);
     }
     InstallEngineRandom(state);
+    lua_pushcfunction(state, Wait);
+    lua_pushvalue(state, -1);
+    lua_setglobal(state, "wait");
+    lua_setglobal(state, "Wait");
     AddSaveTable(state);
+    lua_pushcfunction(state, GetFilesInDirectory);
+    lua_setglobal(state, "GetFilesInDirectory");
     return true;
 }
 
-void LuaSystem::Update(Core::Game&, Space&, double, double, double)
+void LuaSystem::Update(Core::Game&, Space& space, double dt, double spaceTime, double absoluteTime)
 {
-    // Runs the coroutines of the space's script components, which arrive with them.
+    // A paused Space stands still: its sleeps keep their elapsed time, and nothing new starts.
+    if (space.paused)
+    {
+        return;
+    }
+    Debug::ProfileBlock block("Lua Scripts");
+    ScheduleOf(space).Run(state, space, dt, spaceTime, absoluteTime);
 }
 
 void LuaSystem::RegisterScriptTypes(LuaSystem& lua)
@@ -118,12 +136,59 @@ void LuaSystem::RegisterScriptTypes(LuaSystem& lua)
     }
     lua_pushvalue(state, LUA_REGISTRYINDEX);
     lua_setglobal(state, "__registry");
+    RegisterScriptComponentType(state);
     MakeEnvironmentMetatable(state);
 }
 
-void LuaSystem::ObjectsDestroyed(Core::Game&, Space&)
+void LuaSystem::ObjectsDestroyed(Core::Game&, Space& space)
 {
-    // Script components give up their references here, once they exist.
+    for (Components::ScriptComponent& script : space.scripts.components)
+    {
+        if (script.destroyed)
+        {
+            script.Cleanup(state);
+        }
+    }
+    // The sweep that follows moves components around.
+    ScheduleOf(space).MarkUnsorted();
+}
+
+LuaSystem& LuaSystem::Of(lua_State* L)
+{
+    void* system = nullptr;
+    lua_getallocf(L, &system);
+    return *static_cast<LuaSystem*>(system);
+}
+
+uint32_t LuaSystem::SpaceSerial(const Space* space)
+{
+    auto [entry, added] = spaceSerials.try_emplace(space, lastSpaceSerial + 1);
+    if (added)
+    {
+        ++lastSpaceSerial;
+    }
+    return entry->second;
+}
+
+bool LuaSystem::IsLiveSpace(const Space* space, uint32_t serial) const
+{
+    auto entry = spaceSerials.find(space);
+    return entry != spaceSerials.end() && entry->second == serial;
+}
+
+void LuaSystem::ForgetSpace(Space& space)
+{
+    spaceSerials.erase(&space);
+    schedules.erase(&space);
+    if (state != nullptr)
+    {
+        Lua::ForgetSpace(state, &space);
+    }
+}
+
+const char* LuaSystem::InternName(const std::string& name)
+{
+    return names.insert(name).first->c_str();
 }
 
 void LuaSystem::Shutdown()
@@ -133,6 +198,8 @@ void LuaSystem::Shutdown()
         lua_close(state);
         state = nullptr;
     }
+    spaceSerials.clear();
+    schedules.clear();
 }
 
 } // namespace Lua

@@ -6,9 +6,15 @@
 // Scripts get all ten standard libraries, unchanged but for math.random and math.randomseed, which draw
 // from the engine's own generator so that a seeded run repeats on every platform.
 
+#include "Components/Handle.h"
 #include "Core/System.h"
+#include "Lua/ScriptSchedule.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
 
 struct lua_State;
 
@@ -35,6 +41,23 @@ public:
     // Bytes the state holds now, as its allocation function counts them.
     size_t LiveBytes() const { return liveBytes; }
 
+    // The system that owns the state: the allocation function's user data, which no script can reach.
+    static LuaSystem& Of(lua_State* L);
+
+    // The serial of a Space that script handles carry, given on first use. A destroyed Space is forgotten,
+    // so a later Space at the same address gets a new serial and old handles stop resolving.
+    uint32_t SpaceSerial(const Space* space);
+    bool IsLiveSpace(const Space* space, uint32_t serial) const;
+    // Drops the Space's handle, serial and schedule. Called as the Space is destroyed.
+    void ForgetSpace(Space& space);
+
+    // The script schedule of the Space, made on first use.
+    ScriptSchedule& ScheduleOf(const Space& space) { return schedules[&space]; }
+    uint64_t NextCoroutineId() { return ++lastCoroutineId; }
+    // A copy of the name that lives as long as the system: profile records keep only the pointer, and a
+    // script's source can be replaced or swept before the overlay reads them.
+    const char* InternName(const std::string& name);
+
     // The main state; null before Initialise and after Shutdown.
     lua_State* state = nullptr;
 
@@ -42,6 +65,11 @@ private:
     static void* Allocate(void* system, void* block, size_t oldSize, size_t newSize);
 
     size_t liveBytes = 0;
+    uint32_t lastSpaceSerial = 0;
+    uint64_t lastCoroutineId = 0;
+    std::unordered_map<const Space*, uint32_t> spaceSerials;
+    std::unordered_map<const Space*, ScriptSchedule> schedules;
+    std::unordered_set<std::string> names;
 };
 
 } // namespace Lua

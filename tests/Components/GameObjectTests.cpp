@@ -153,7 +153,7 @@ TEST_F(GameObjects, DestroyingAParentTakesItsDescendantsDeepestFirst)
     EXPECT_EQ(DestroyListNames(), (std::vector<std::string>{"b1", "b", "a1", "a", "root"}));
 
     LogCapture capture;
-    EXPECT_EQ(space.DeleteDestroyedObjects(), 5u);
+    EXPECT_EQ(space.DeleteDestroyedObjects(nullptr), 5u);
     EXPECT_EQ(space.objects.size(), 1u);
     EXPECT_TRUE(bystander.IsValid());
     EXPECT_EQ(capture.Entries().size(), 0u) << capture.Entries()[0].message;
@@ -168,7 +168,7 @@ TEST_F(GameObjects, TheDestroyListToleratesStaleAndLivingEntries)
     LogCapture capture;
     space.AddToDestroyList(living.Get());
     space.destroyList.push_back(marked.handle); // twice: the second no longer resolves
-    EXPECT_EQ(space.DeleteDestroyedObjects(), 2u);
+    EXPECT_EQ(space.DeleteDestroyedObjects(nullptr), 2u);
     EXPECT_EQ(capture.Messages("GameObjectFactory", LogLevel::Error),
               std::vector<std::string>{"Added a living gameobject to the factory destroy list"});
     EXPECT_EQ(capture.Messages("GameObjectFactory", LogLevel::Warning),

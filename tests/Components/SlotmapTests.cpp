@@ -183,6 +183,24 @@ TEST(Slotmap, EraseFlaggedTestsTheElementMovedIntoTheHole)
 }
 
 // A million random steps against a std::map, with few live elements so that slots are reused many times.
+TEST(Slotmap, SwapExchangesElementsAndKeepsEveryHandleResolving)
+{
+    Slotmap<Element> map;
+    const Handle a = map.Insert(1);
+    const Handle b = map.Insert(2);
+    const Handle c = map.Insert(3);
+    map.Swap(0, 2);
+    ExpectConsistent(map);
+    EXPECT_EQ(map[0].value, 3);
+    EXPECT_EQ(map[2].value, 1);
+    EXPECT_EQ(map.Find(a)->value, 1);
+    EXPECT_EQ(map.Find(b)->value, 2);
+    EXPECT_EQ(map.Find(c)->value, 3);
+    map.Erase(c);
+    EXPECT_EQ(map.Find(a)->value, 1);
+    EXPECT_EQ(map.size(), 2u);
+}
+
 TEST(Slotmap, RandomOperationsAgreeWithAModel)
 {
     constexpr int kSteps = 1000000;

@@ -1,0 +1,353 @@
+#include "Lua/ScriptSchedule.h"
+
+#include "Components/Space.h"
+#include "Debug/Logger.h"
+#include "Debug/Profile.h"
+#include "Lua/Wait.h"
+
+#include <algorithm>
+#include <cmath>
+#include <lua.hpp>
+#include <optional>
+#include <string>
+
+namespace Lua
+{
+namespace
+{
+
+template <typename T>
+bool RunsBefore(const T& a, const T& b)
+{
+    return a.position != b.position ? a.position < b.position : a.id < b.id;
+}
+
+// Greater-than for std::push_heap, so that the heap's front is the entry that runs first.
+template <typename T>
+bool RunsAfter(const T& a, const T& b)
+{
+    return RunsBefore(b, a);
+}
+
+// A thread taken from the registry can be anything a script put there: only a suspended coroutine, or one
+// that holds a function and has never run, may be resumed.
+bool IsResumable(lua_State* L, lua_State* thread)
+{
+    if (thread == nullptr || thread == L)
+    {
+        return false;
+    }
+    if (lua_status(thread) == LUA_YIELD)
+    {
+        return lua_checkstack(thread, 3) != 0;
+    }
+    lua_Debug frame;
+    return lua_status(thread) == LUA_OK && lua_getstack(thread, 0, &frame) == 0 && lua_gettop(thread) > 0 &&
+           lua_type(thread, 1) == LUA_TFUNCTION;
+}
+
+void LogScriptError(const char* text)
+{
+    Logger::Log("LuaSystem", LogLevel::Error, std::string("Lua error in component coroutine: ") + text);
+}
+
+// The error on top of the thread, or the given text, with a traceback when the thread has room for one.
+// After a stack overflow it has none, and the bare text is logged.
+void ReportError(lua_State* thread, const char* replacement)
+{
+    const bool room = lua_checkstack(thread, 20) != 0;
+    const char* text = replacement;
+    if (text == nullptr)
+    {
+        const int type = lua_type(thread, -1);
+        if (type == LUA_TSTRING || type == LUA_TNUMBER)
+        {
+            text = lua_tostring(thread, -1);
+        }
+        else if (room)
+        {
+            text = lua_pushfstring(thread, "(error object is a %s value)", luaL_typename(thread, -1));
+        }
+        else
+        {
+            text = "(error object is not a string)";
+        }
+    }
+    if (room)
+    {
+        luaL_traceback(thread, thread, text, 0);
+        text = lua_tostring(thread, -1);
+    }
+    LogScriptError(text);
+}
+
+void LogBadThreadIndex(int32_t ref)
+{
+    Logger::Log("LuaSystem", LogLevel::Error,
+                "Coroutine had an invalid thread index: " + std::to_string(ref));
+}
+
+// The dense position of the component, or false if it has gone.
+bool PositionOf(Space& space, Handle component, uint32_t& position)
+{
+    if (space.scripts.components.Find(component) == nullptr)
+    {
+        return false;
+    }
+    position = space.scripts.components.Slots()[component.slot].index;
+    return true;
+}
+
+} // namespace
+
+void ScriptSchedule::Run(lua_State* L, Space& space, double dt, double spaceTime, double absoluteTime)
+{
+    SortIfNeeded(space);
+    CollectDue(space, dt);
+    std::optional<Debug::ProfileBlock> block;
+    Handle blockComponent;
+    size_t cursor = 0;
+    Due current;
+    while (NextDue(cursor, current))
+    {
+        Components::ScriptComponent* script = space.scripts.components.Find(current.component);
+        if (script == nullptr)
+        {
+            continue;
+        }
+        // One block for each run of entries of one component; sleepers open none.
+        if (!block || !(blockComponent == current.component))
+        {
+            block.reset();
+            block.emplace(script->profileName);
+            blockComponent = current.component;
+        }
+        RunOne(L, space, current, spaceTime, absoluteTime);
+        AdmitStarted(space, current, dt);
+    }
+    block.reset();
+    due.clear();
+    fresh.swap(deferred);
+    deferred.clear();
+    CloseCohort();
+}
+
+// A stable insertion sort, higher priority first: nearly free on the array that was sorted last time, and
+// skipped altogether until a priority changes or components come or go.
+void ScriptSchedule::SortIfNeeded(Space& space)
+{
+    Slotmap<Components::ScriptComponent>& scripts = space.scripts.components;
+    if (!sortNeeded && sortedCount == scripts.size())
+    {
+        return;
+    }
+    for (uint32_t i = 1; i < scripts.size(); ++i)
+    {
+        for (uint32_t j = i; j > 0 && scripts[j - 1].priority < scripts[j].priority; --j)
+        {
+            scripts.Swap(j - 1, j);
+        }
+    }
+    sortedCount = scripts.size();
+    sortNeeded = false;
+}
+
+void ScriptSchedule::CollectDue(Space& space, double dt)
+{
+    WakeCohorts(space, dt);
+    // A new coroutine and a NaN sleeper both count this Update's dt from 0.0.
+    for (const Entry& entry : wakeNext)
+    {
+        AddDue(space, entry.component, entry.id, 0.0 + dt);
+    }
+    wakeNext.clear();
+    for (const Entry& entry : fresh)
+    {
+        AddDue(space, entry.component, entry.id, 0.0 + dt);
+    }
+    fresh.clear();
+    // Entries come in run order when nothing was sorted since they slept, which is the common case.
+    if (!std::is_sorted(due.begin(), due.end(), RunsBefore<Due>))
+    {
+        std::sort(due.begin(), due.end(), RunsBefore<Due>);
+    }
+}
+
+void ScriptSchedule::WakeCohorts(Space& space, double dt)
+{
+    for (Cohort& cohort : cohorts)
+    {
+        cohort.elapsed += dt;
+        while (cohort.woken < cohort.sleepers.size() &&
+               !(cohort.sleepers[cohort.woken].waitTime > cohort.elapsed))
+        {
+            const Sleeper& sleeper = cohort.sleepers[cohort.woken];
+            AddDue(space, sleeper.component, sleeper.id, cohort.elapsed);
+            ++cohort.woken;
+        }
+    }
+    auto emptied =
+        std::remove_if(cohorts.begin(), cohorts.end(),
+                       [](const Cohort& cohort) { return cohort.woken == cohort.sleepers.size(); });
+    for (auto cohort = emptied; cohort != cohorts.end(); ++cohort)
+    {
+        cohort->sleepers.clear();
+        spareCohorts.push_back(std::move(cohort->sleepers));
+    }
+    cohorts.erase(emptied, cohorts.end());
+}
+
+void ScriptSchedule::AddDue(Space& space, Handle component, uint64_t id, double elapsed)
+{
+    uint32_t position = 0;
+    if (PositionOf(space, component, position))
+    {
+        due.push_back(Due{position, id, component, elapsed});
+    }
+}
+
+void ScriptSchedule::AdmitStarted(Space& space, const Due& current, double dt)
+{
+    for (const Entry& entry : fresh)
+    {
+        Due candidate{0, entry.id, entry.component, 0.0 + dt};
+        if (!PositionOf(space, entry.component, candidate.position))
+        {
+            continue;
+        }
+        if (RunsBefore(current, candidate))
+        {
+            started.push_back(candidate);
+            std::push_heap(started.begin(), started.end(), RunsAfter<Due>);
+        }
+        else
+        {
+            deferred.push_back(entry);
+        }
+    }
+    fresh.clear();
+}
+
+bool ScriptSchedule::NextDue(size_t& cursor, Due& next)
+{
+    const bool haveDue = cursor < due.size();
+    if (!started.empty() && (!haveDue || RunsBefore(started.front(), due[cursor])))
+    {
+        std::pop_heap(started.begin(), started.end(), RunsAfter<Due>);
+        next = started.back();
+        started.pop_back();
+        return true;
+    }
+    if (!haveDue)
+    {
+        return false;
+    }
+    next = due[cursor++];
+    return true;
+}
+
+// The thread stays on the main stack while it runs: if its component gives up the reference in the middle
+// of the run (a new source, a cleanup), nothing collects it under our feet. Afterwards the entry is found
+// again by id, since the run may have grown or emptied the arrays.
+void ScriptSchedule::RunOne(lua_State* L, Space& space, const Due& entry, double spaceTime,
+                            double absoluteTime)
+{
+    Components::ScriptComponent* script = space.scripts.components.Find(entry.component);
+    const Components::Coroutine* coroutine = script->FindCoroutine(entry.id);
+    if (coroutine == nullptr)
+    {
+        return;
+    }
+    const int32_t ref = coroutine->thread;
+    if (ref <= 0)
+    {
+        LogBadThreadIndex(ref);
+        script->EndCoroutine(L, entry.id);
+        return;
+    }
+    const int top = lua_gettop(L);
+    lua_rawgeti(L, LUA_REGISTRYINDEX, ref);
+    lua_State* thread = lua_tothread(L, -1);
+    if (!IsResumable(L, thread))
+    {
+        Logger::Log("LuaSystem", LogLevel::Error, "Coroutine had an invalid thread type");
+        lua_settop(L, top);
+        script->EndCoroutine(L, entry.id);
+        return;
+    }
+    int arguments = lua_gettop(thread) - 1;
+    if (lua_status(thread) == LUA_YIELD)
+    {
+        lua_pushnumber(thread, entry.elapsed);
+        lua_pushnumber(thread, spaceTime);
+        lua_pushnumber(thread, absoluteTime);
+        arguments = 3;
+    }
+    const int status = lua_resume(thread, nullptr, arguments);
+    bool lives = false;
+    double waitTime = 0.0;
+    if (status == LUA_YIELD && IsWaitYield(thread))
+    {
+        waitTime = lua_tonumber(thread, -2);
+        lua_pop(thread, 2);
+        lives = true;
+    }
+    else if (status == LUA_YIELD)
+    {
+        ReportError(thread, "Cannot yield from outside a coroutine");
+    }
+    else if (status != LUA_OK)
+    {
+        ReportError(thread, nullptr);
+    }
+    if (lua_gettop(L) != top + 1)
+    {
+        Logger::Log("LuaSystem", LogLevel::Error, "Running coroutine did not preserve the lua stack");
+    }
+    lua_settop(L, top);
+    // A coroutine whose component dropped it during the run has no entry left to file or to end.
+    Components::ScriptComponent* after = space.scripts.components.Find(entry.component);
+    if (after == nullptr || after->FindCoroutine(entry.id) == nullptr)
+    {
+        return;
+    }
+    if (lives)
+    {
+        FallAsleep(entry, waitTime);
+        return;
+    }
+    after->EndCoroutine(L, entry.id);
+}
+
+void ScriptSchedule::FallAsleep(const Due& entry, double waitTime)
+{
+    if (std::isnan(waitTime))
+    {
+        wakeNext.push_back(Entry{entry.component, entry.id});
+        return;
+    }
+    fallingAsleep.push_back(Sleeper{waitTime, entry.component, entry.id});
+}
+
+void ScriptSchedule::CloseCohort()
+{
+    if (fallingAsleep.empty())
+    {
+        return;
+    }
+    auto byWaitTime = [](const Sleeper& a, const Sleeper& b) { return a.waitTime < b.waitTime; };
+    // Stable, so sleepers of equal time stay in run order and wake in it without another sort.
+    if (!std::is_sorted(fallingAsleep.begin(), fallingAsleep.end(), byWaitTime))
+    {
+        std::stable_sort(fallingAsleep.begin(), fallingAsleep.end(), byWaitTime);
+    }
+    cohorts.push_back(Cohort{0.0, std::move(fallingAsleep), 0});
+    fallingAsleep.clear();
+    if (!spareCohorts.empty())
+    {
+        fallingAsleep = std::move(spareCohorts.back());
+        spareCohorts.pop_back();
+    }
+}
+
+} // namespace Lua

@@ -1,0 +1,101 @@
+// What script coroutines cost per frame: ten thousand scripts that wake every frame, a hundred thousand that
+// sleep, and the memory that one running script takes. One iteration is one LuaSystem::Update of one Space.
+
+#include "Core/Game.h"
+
+#include <benchmark/benchmark.h>
+#include <filesystem>
+#include <fstream>
+#include <unistd.h>
+
+namespace
+{
+
+// A game with the systems started and `count` objects running the chunk, each having run once, so every
+// coroutine sits in its first wait. The working directory is a temporary folder holding the script.
+class ScriptWorld
+{
+public:
+    ScriptWorld(const char* chunk, int count) : game(nullptr, Core::GameSettings{})
+    {
+        char pattern[] = "/tmp/quellmar-bench-XXXXXX";
+        folder = mkdtemp(pattern);
+        previous = std::filesystem::current_path();
+        std::filesystem::current_path(folder);
+        std::ofstream("bench.lua") << chunk;
+        game.StartSystems();
+        for (int index = 0; index < count; ++index)
+        {
+            const GameObjectHandle object = game.rootSpace.CreateObject();
+            const Handle script = object.Get().AddComponent(Components::Script);
+            game.rootSpace.scripts.components.at(script).SetScript(game.lua.state, "bench.lua");
+        }
+        Step();
+    }
+    ~ScriptWorld()
+    {
+        game.LeaveLoop();
+        std::filesystem::current_path(previous);
+        std::filesystem::remove_all(folder);
+    }
+    ScriptWorld(const ScriptWorld&) = delete;
+    ScriptWorld& operator=(const ScriptWorld&) = delete;
+
+    void Step()
+    {
+        time += kDt;
+        game.rootSpace.time += kDt;
+        game.lua.Update(game, game.rootSpace, kDt, game.rootSpace.time, time);
+    }
+
+    static constexpr double kDt = 1.0 / 60.0;
+    Core::Game game;
+    std::filesystem::path folder;
+    std::filesystem::path previous;
+    double time = 0.0;
+};
+
+void ScriptWake(benchmark::State& state)
+{
+    ScriptWorld world("while true do wait() end", 10000);
+    for (auto _ : state)
+    {
+        world.Step();
+    }
+}
+BENCHMARK(ScriptWake)->Unit(benchmark::kMillisecond);
+
+void ScriptSleep(benchmark::State& state)
+{
+    ScriptWorld world("wait(3600)", 100000);
+    for (auto _ : state)
+    {
+        world.Step();
+    }
+}
+BENCHMARK(ScriptSleep)->Unit(benchmark::kMillisecond);
+
+// The Lua state's growth per script, as its allocation function counts it, plus the C++ sizes: the
+// component, its coroutine entry and the sleeper entry that files it in its cohort.
+void BytesPerScript(benchmark::State& state)
+{
+    constexpr int kScripts = 10000;
+    constexpr size_t kSleeperEntry = sizeof(double) + sizeof(Handle) + sizeof(uint64_t);
+    for (auto _ : state)
+    {
+        Core::Game probe(nullptr, Core::GameSettings{});
+        probe.StartSystems();
+        const size_t luaBefore = probe.lua.LiveBytes();
+        probe.LeaveLoop();
+        ScriptWorld world("while true do wait(1) end", kScripts);
+        const double lua = static_cast<double>(world.game.lua.LiveBytes() - luaBefore) / kScripts;
+        const double cpp =
+            sizeof(Components::ScriptComponent) + sizeof(Components::Coroutine) + kSleeperEntry;
+        state.counters["LuaBytesPerScript"] = lua;
+        state.counters["CppBytesPerScript"] = cpp;
+        state.counters["BytesPerScript"] = lua + cpp;
+    }
+}
+BENCHMARK(BytesPerScript)->Iterations(1)->Unit(benchmark::kMillisecond);
+
+} // namespace

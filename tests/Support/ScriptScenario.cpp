@@ -1,0 +1,84 @@
+#include "Support/ScriptScenario.h"
+
+#include <fstream>
+#include <lua.hpp>
+#include <sstream>
+
+ScriptScenario::ScriptScenario() : cwd(data.Path()), game(nullptr, Core::GameSettings{})
+{
+}
+
+void ScriptScenario::SetUp()
+{
+    game.StartSystems();
+}
+
+void ScriptScenario::TearDown()
+{
+    game.LeaveLoop();
+    for (const LogEntry& entry : log.Entries())
+    {
+        EXPECT_EQ(entry.message.find("cleaned up"), std::string::npos) << entry.message;
+    }
+}
+
+void ScriptScenario::Write(const std::string& name, const std::string& text) const
+{
+    std::filesystem::create_directories((data.Path() / name).parent_path());
+    std::ofstream(data.Path() / name) << text;
+}
+
+GameObjectHandle ScriptScenario::Attach(const std::string& fileName, Space* space)
+{
+    Space& target = space != nullptr ? *space : game.rootSpace;
+    const GameObjectHandle object = target.CreateObject();
+    object.Get().AddComponent(Components::Script);
+    ScriptOf(object).SetScript(L(), fileName.c_str());
+    return object;
+}
+
+Components::ScriptComponent& ScriptScenario::ScriptOf(GameObjectHandle object)
+{
+    return object.space->scripts.components.at(object.Get().GetComponent(Components::Script));
+}
+
+std::string ScriptScenario::Frame(double dt)
+{
+    clock += dt;
+    testing::internal::CaptureStdout();
+    game.UpdateSystems(dt, clock);
+    game.rootSpace.DeleteDestroyedTree(game);
+    // Log lines up to Warning share the stream; the tests read them through the log capture.
+    std::istringstream captured(testing::internal::GetCapturedStdout());
+    std::string printed;
+    for (std::string line; std::getline(captured, line);)
+    {
+        if (!line.starts_with("["))
+        {
+            printed += line + "\n";
+        }
+    }
+    return printed;
+}
+
+std::string ScriptScenario::Run(const std::string& chunk)
+{
+    const int top = lua_gettop(L());
+    std::string error;
+    if (luaL_dostring(L(), chunk.c_str()) != LUA_OK)
+    {
+        error = lua_tostring(L(), -1);
+    }
+    lua_settop(L(), top);
+    return error;
+}
+
+std::vector<std::string> ScriptScenario::ErrorHeads() const
+{
+    std::vector<std::string> heads;
+    for (const std::string& error : Errors())
+    {
+        heads.push_back(error.substr(0, error.find('\n')));
+    }
+    return heads;
+}
