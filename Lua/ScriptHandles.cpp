@@ -247,6 +247,13 @@ bool OptBoolean(lua_State* L, int index, bool fallback)
     return lua_toboolean(L, index) != 0;
 }
 
+Space* ToSpace(lua_State* L, int index)
+{
+    const SpaceUserdata* userdata = TestHandle<SpaceUserdata>(L, index, "Space");
+    return userdata != nullptr && IsLive(L, userdata->space, userdata->spaceSerial) ? userdata->space
+                                                                                    : nullptr;
+}
+
 Space& CheckSpace(lua_State* L)
 {
     const SpaceUserdata& userdata = CheckHandle<SpaceUserdata>(L, 1, "Space");

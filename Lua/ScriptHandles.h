@@ -55,6 +55,10 @@ GameObjectHandle ToGameObject(lua_State* L, int index);
 // explicit nil too, is a type error naming "boolean".
 bool OptBoolean(lua_State* L, int index, bool fallback);
 
+// The Space of the Space handle at the index, or null if the value isn't one or its Space has gone.
+// Raises nothing.
+Space* ToSpace(lua_State* L, int index);
+
 // Argument 1 of a Space function: a Space handle of a live Space, else "Space was NULL!".
 Space& CheckSpace(lua_State* L);
 

@@ -3,6 +3,7 @@
 #include "Core/Game.h"
 #include "Debug/Profile.h"
 #include "Physics/Integration.h"
+#include "Physics/PhysicsScript.h"
 #include "Physics/Response.h"
 
 #include <lua.hpp>
@@ -40,8 +41,17 @@ void PhysicsSystem::Step(Space& space, float dt)
     RespondToContacts(space, contacts, collisionListener);
 }
 
-void PhysicsSystem::RegisterScriptTypes(Lua::LuaSystem&)
+void PhysicsSystem::RegisterScriptTypes(Lua::LuaSystem& lua)
 {
+    RegisterPhysicsScriptTypes(lua.state);
+    scriptDispatch.state = lua.state;
+    collisionListener = &scriptDispatch;
+}
+
+void PhysicsSystem::Shutdown()
+{
+    collisionListener = nullptr;
+    scriptDispatch.state = nullptr;
 }
 
 void PhysicsSystem::ObjectsDestroyed(Core::Game& game, Space& space)

@@ -1,0 +1,186 @@
+#include "Components/ColliderComponent.h"
+#include "Components/GameObject.h"
+#include "Components/RigidBodyComponent.h"
+#include "Components/TransformComponent.h"
+#include "Lua/ScriptHandles.h"
+#include "Physics/PhysicsScript.h"
+#include "Support/ScriptScenario.h"
+
+#include <lua.hpp>
+
+namespace
+{
+
+using Components::ComponentType;
+
+class PhysicsScript : public ScriptScenario
+{
+protected:
+    // A new object in the root space with a transform at the position and the given components.
+    GameObjectHandle Body(Vec2 position, std::initializer_list<int32_t> types)
+    {
+        const GameObjectHandle handle = game.rootSpace.CreateObject();
+        handle.Get().AddComponent(ComponentType::Transform);
+        for (const int32_t type : types)
+        {
+            handle.Get().AddComponent(type);
+        }
+        game.rootSpace.transforms.components.Find(handle.Get().components[ComponentType::Transform])
+            ->position = position;
+        return handle;
+    }
+
+    // Publishes the object's component as a global for the scripts.
+    void Publish(const char* name, GameObjectHandle object, int32_t type)
+    {
+        Lua::PushComponent(L(), object.space, type, object.Get().components[static_cast<size_t>(type)]);
+        lua_setglobal(L(), name);
+    }
+
+    Components::ColliderComponent& ColliderOf(GameObjectHandle object)
+    {
+        return *game.rootSpace.colliders.components.Find(object.Get().components[ComponentType::Collider]);
+    }
+};
+
+TEST_F(PhysicsScript, BodiesAndCollidersReadAndWriteTheirFields)
+{
+    const GameObjectHandle object = Body({0, 0}, {ComponentType::RigidBody});
+    game.rootSpace.transforms.components.Find(object.Get().components[ComponentType::Transform])->scale = {2,
+                                                                                                           4};
+    object.Get().AddComponent(ComponentType::Collider);
+    Publish("body", object, ComponentType::RigidBody);
+    Publish("collider", object, ComponentType::Collider);
+    EXPECT_EQ(Run(R"lua(
+        body:SetMass(2) body:ApplyForce(8, 0)
+        local vx, vy = body:GetVelocity()
+        assert(vx == 2 and vy == 0, "velocity " .. vx)
+        body:SetIgnoreDrag(true) assert(body:GetIgnoreDrag())
+        assert(table.concat(body:GetAllMembers(), ",") == "Velocity,Mass,IgnoreDrag")
+
+        assert(collider:GetRadius() == 1.5)
+        local w, h = collider:GetSize() assert(w == 3 and h == 3)
+        collider:SetType("AABB") collider:SetSize(2, 2) collider:SetRadius(2)
+        w, h = collider:GetSize() assert(w == 4 and h == 2 and collider:GetType() == "AABB")
+        collider:SetCollisionGroup(65535) assert(collider:GetCollisionGroup() == -1)
+        collider:SetCollisionGroup(40000) assert(collider:GetCollisionGroup() == -25536)
+        collider:SetGhost(true) assert(collider:GetGhost())
+        collider:SetRestitution(0.5) assert(collider:GetRestitution() == 0.5)
+        assert(table.concat(collider:GetAllMembers(), ",") == "Restitution,Type,Size,Ghost")
+    )lua"),
+              "");
+    EXPECT_NE(Run("collider:SetType('Box')").find("bad argument #1 to 'SetType' (invalid option 'Box')"),
+              std::string::npos);
+    EXPECT_NE(Run("body:SetIgnoreDrag(1)").find("boolean expected, got number"), std::string::npos);
+    EXPECT_NE(Run("collider:SetCollisionGroup(1.5)").find("number has no integer representation"),
+              std::string::npos);
+    EXPECT_NE(Run("collider.GetRadius(body)").find("Collider expected, got RigidBody"), std::string::npos);
+}
+
+TEST_F(PhysicsScript, HandlersRunInTheSameFrameWithOwnOtherAndThePoint)
+{
+    const GameObjectHandle left = Body({0, 0}, {ComponentType::Collider});
+    const GameObjectHandle right = Body({0.75f, 0}, {ComponentType::Collider});
+    Publish("leftCollider", left, ComponentType::Collider);
+    Publish("rightCollider", right, ComponentType::Collider);
+    Lua::PushGameObject(left.Get(), L());
+    lua_setglobal(L(), "leftBody");
+    Lua::PushGameObject(right.Get(), L());
+    lua_setglobal(L(), "rightBody");
+    Write("Left.lua", R"lua(
+        local function onHit(own, other, x, y)
+            print("left", own == leftBody, other == rightBody, x, y)
+        end
+        leftCollider:ConnectCollision(onHit)
+        leftCollider:ConnectCollision(onHit)
+    )lua");
+    Write("Right.lua", R"lua(
+        rightCollider:ConnectCollision(function(own, other, x, y) print("right", own == rightBody, other == leftBody, x, y) end)
+        rightCollider:ConnectCollision(function() local upvalue = 1 return upvalue end)
+    )lua");
+    Attach("Left.lua");
+    Attach("Right.lua");
+    EXPECT_EQ(Frame(1.0 / 60.0), "");
+    ASSERT_NE(ColliderOf(left).collisionEvents, 0);
+    const std::string printed = Frame(1.0 / 60.0);
+    EXPECT_NE(printed.find("left\ttrue\ttrue\t0.5\t0.0\n"), std::string::npos) << printed;
+    EXPECT_NE(printed.find("right\ttrue\ttrue\t0.5\t0.0\n"), std::string::npos) << printed;
+    EXPECT_TRUE(Errors().empty());
+}
+
+TEST_F(PhysicsScript, ConnectingChecksTheHandlersEnvironmentAndDisconnectingEmptiesTheTable)
+{
+    const GameObjectHandle object = Body({0, 0}, {ComponentType::Collider});
+    Publish("collider", object, ComponentType::Collider);
+    EXPECT_EQ(Run("collider:ConnectCollision(function() end)"), "") << "no upvalue: nothing connected";
+    EXPECT_EQ(ColliderOf(object).collisionEvents, 0);
+    EXPECT_NE(Run("local secret = 1 collider:ConnectCollision(function() return secret end)")
+                  .find("Couldn't get secret environment from function, got secret instead"),
+              std::string::npos);
+    EXPECT_NE(Run("collider:ConnectCollision(function() return print end)")
+                  .find("Couldn't get Spawn() from secret environment of function"),
+              std::string::npos)
+        << "the globals have no Spawn: only script environments do";
+    Write("Connect.lua", R"lua(
+        handler = function() print("x") end
+        collider:ConnectCollision(handler)
+        collider:ConnectCollision(handler)
+        wait()
+        collider:DisconnectCollision(handler)
+    )lua");
+    Attach("Connect.lua");
+    Frame(1.0 / 60.0);
+    EXPECT_NE(ColliderOf(object).collisionEvents, 0);
+    Frame(1.0 / 60.0);
+    EXPECT_EQ(ColliderOf(object).collisionEvents, 0);
+}
+
+TEST_F(PhysicsScript, AHandlerWhoseStartFailsIsLoggedAndDisconnected)
+{
+    const GameObjectHandle left = Body({0, 0}, {ComponentType::Collider});
+    Body({0.5f, 0}, {ComponentType::Collider});
+    Publish("collider", left, ComponentType::Collider);
+    Write("Failing.lua", R"lua(
+        Spawn = function() error("no start today") end
+        collider:ConnectCollision(function() print("never") end)
+    )lua");
+    Attach("Failing.lua");
+    Frame(1.0 / 60.0);
+    Frame(1.0 / 60.0);
+    Frame(1.0 / 60.0);
+    const std::vector<std::string> errors = log.Messages("Collider", LogLevel::Error);
+    ASSERT_EQ(errors.size(), 1u);
+    EXPECT_TRUE(errors[0].starts_with("Error Dispatching collision event: ")) << errors[0];
+    EXPECT_NE(errors[0].find("no start today"), std::string::npos);
+}
+
+TEST_F(PhysicsScript, ThePhysicsTableSetsTheWorldAndCastsRaysInTheRootSpaceOnly)
+{
+    const GameObjectHandle target = Body({5, 0}, {ComponentType::Collider});
+    Space& child = game.rootSpace.CreateChild();
+    const GameObjectHandle hidden = child.CreateObject();
+    hidden.Get().AddComponent(ComponentType::Transform);
+    hidden.Get().AddComponent(ComponentType::Collider);
+    ColliderOf(target).collisionGroup = 5;
+    Physics::PushPhysicsTable(L(), game.physics, game.rootSpace);
+    lua_setglobal(L(), "Physics");
+    Publish("collider", target, ComponentType::Collider);
+    EXPECT_EQ(Run(R"lua(
+        Physics:SetGravity(0, -9.5) Physics:SetDrag(0.25)
+        local gx, gy = Physics:GetGravity()
+        assert(gx == 0 and gy == -9.5 and Physics:GetDrag() == 0.25)
+        local hit = Physics:Raycast(-10, 0, 20, 0)
+        assert(hit.Distance == 14.5 and hit.Hit[1] == 4.5 and hit.Hit[2] == 0, hit.Distance)
+        assert(getmetatable(hit.Object).__name == "GameObject")
+        assert(select("#", Physics:Raycast(-10, 0, 20, 0, 5)) == 0)
+        assert(select("#", Physics:Raycast(-10, 0, 20, 0, nil)) == 1)
+        assert(select("#", Physics:Raycast(-10, 0, 1, 0)) == 0)
+    )lua"),
+              "");
+    EXPECT_EQ(game.physics.gravity.y, -9.5f);
+    EXPECT_NE(Run("Physics:SetGravity('a', 'b')").find("bad argument #2 to 'SetGravity' (number expected"),
+              std::string::npos)
+        << "the second number is checked first";
+}
+
+} // namespace
