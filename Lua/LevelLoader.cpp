@@ -19,8 +19,6 @@ namespace
 
 // Archetype files that return names are followed in a loop; a chain this long is taken for a cycle.
 constexpr int kMaxArchetypeHops = 64;
-// Each entry of a list leaves at least one handle; room for three per entry is asked up front.
-constexpr lua_Integer kMaxListEntries = 1000000 / 3;
 
 void LogFileError(const char* what, const char* fileName, const char* message)
 {
@@ -110,11 +108,8 @@ int CreateOverridden(lua_State* L)
 
 int CreateList(lua_State* L)
 {
+    // The classifier refused lengths beyond what the stack can hold.
     const lua_Integer length = luaL_len(L, 2);
-    if (length > kMaxListEntries)
-    {
-        return luaL_error(L, "stack overflow");
-    }
     EnsureStack(L, static_cast<int>(length) * 3 + 20);
     for (lua_Integer i = 1; i <= length; ++i)
     {

@@ -18,6 +18,8 @@ namespace
 
 // The most values that the Lua stack can hold; a larger count is refused before any arithmetic on it.
 constexpr lua_Integer kMaxStack = 1000000;
+// A list takes room for three values per entry while its objects are made.
+constexpr lua_Integer kMaxListEntries = kMaxStack / 3;
 
 bool IsDescriptionValue(int type)
 {
@@ -263,6 +265,10 @@ Description ClassifyDescription(lua_State* L)
     if (length == 1)
     {
         return ClassifySingle(L);
+    }
+    if (length > kMaxListEntries)
+    {
+        luaL_error(L, "stack overflow");
     }
     if (length > 1)
     {
