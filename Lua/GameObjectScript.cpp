@@ -139,13 +139,9 @@ int SetParent(lua_State* L)
     {
         transform = Resolve(self).AddComponent(Components::Transform);
     }
-    lua_settop(L, 3);
+    // The transform's handle takes the object's place; the other arguments stay as given.
     PushComponent(L, self.space, Components::Transform, transform);
     lua_replace(L, 1);
-    if (lua_isnil(L, 3))
-    {
-        lua_settop(L, 2);
-    }
     return SetTransformParent(L);
 }
 

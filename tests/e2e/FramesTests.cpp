@@ -80,4 +80,23 @@ TEST(Frames, RequestsTakeEffectAtTheNextFrameInBothThreadModes)
     }
 }
 
+TEST(Frames, QuitLetsTheFrameFinishBeforeTheSpacesGo)
+{
+    for (const char* threads : {"y", "n"})
+    {
+        RunOptions options;
+        options.dataFolder = "quit";
+        options.arguments = {"-multithreaded", threads};
+        const RunResult result = RunEngine(options);
+        EXPECT_EQ(result.exitCode, 0) << threads << result.errors;
+        EXPECT_EQ(result.errors, "") << threads;
+        // The late Space has the lowest priority: it still updates in the frame in which Quit was called.
+        EXPECT_EQ(PrintedLines(result.output),
+                  (std::vector<std::string>{"quit asked\ttrue", "the caller goes on\tDoomed",
+                                            "late space updates in frame 1"}))
+            << threads;
+        EXPECT_TRUE(result.output.ends_with("[Space] [Debug]: Deleting top space\n")) << threads;
+    }
+}
+
 } // namespace
