@@ -127,12 +127,6 @@ bool Fail(lua_State* L, const char* format, const char* detail)
     return false;
 }
 
-// Logs the reason on top of the stack under the prefix, keeping it there.
-void LogFailure(const char* prefix, const char* component, const char* suffix)
-{
-    Logger::Log("Space", LogLevel::Error, std::string(prefix) + component + suffix);
-}
-
 // Gives the object a component of the type if it lacks one, and pushes its handle.
 void PushNewOrExisting(lua_State* L, GameObjectHandle object, int32_t type)
 {
@@ -167,7 +161,8 @@ bool ApplyComponent(lua_State* L, GameObjectHandle object, int32_t type, int val
     PushNewOrExisting(L, object, type);
     if (!InitialiseMembers(L, value))
     {
-        LogFailure("Failed to initialise component ", name, " from table");
+        Logger::Log("Space", LogLevel::Error,
+                    std::string("Failed to initialise component ") + name + " from table");
         return false;
     }
     return true;
