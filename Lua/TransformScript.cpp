@@ -24,6 +24,10 @@ float WrapRotation(lua_Number radians)
     return static_cast<float>(std::fmod(radians, 6.28318530717958));
 }
 
+// The setters resolve the transform before they read their numbers and keep the reference: reading a
+// number, from a numeric string too, allocates nothing, so no collector step or finalizer can run in
+// between and move the component.
+
 // The handle of argument 1; only valid after CheckTransform accepted it.
 const ComponentUserdata& SelfOf(lua_State* L)
 {
@@ -114,9 +118,8 @@ int GetWorldPosition(lua_State* L)
 
 int SetZ(lua_State* L)
 {
-    CheckTransform(L);
-    const lua_Integer z = luaL_checkinteger(L, 2);
-    CheckTransform(L).z = static_cast<int32_t>(z);
+    TransformComponent& transform = CheckTransform(L);
+    transform.z = static_cast<int32_t>(luaL_checkinteger(L, 2));
     return 0;
 }
 
@@ -128,9 +131,8 @@ int GetZ(lua_State* L)
 
 int SetRotation(lua_State* L)
 {
-    CheckTransform(L);
-    const float rotation = WrapRotation(luaL_checknumber(L, 2));
-    CheckTransform(L).rotation = rotation;
+    TransformComponent& transform = CheckTransform(L);
+    transform.rotation = WrapRotation(luaL_checknumber(L, 2));
     return 0;
 }
 
@@ -142,9 +144,8 @@ int GetRotation(lua_State* L)
 
 int SetWorldRotation(lua_State* L)
 {
-    CheckTransform(L);
-    const float rotation = WrapRotation(luaL_checknumber(L, 2));
-    CheckTransform(L).SetWorldRotation(rotation);
+    TransformComponent& transform = CheckTransform(L);
+    transform.SetWorldRotation(WrapRotation(luaL_checknumber(L, 2)));
     return 0;
 }
 
@@ -156,9 +157,9 @@ int GetWorldRotation(lua_State* L)
 
 int SetScale(lua_State* L)
 {
-    CheckTransform(L);
-    const Vec2 scale{static_cast<float>(luaL_checknumber(L, 2)), static_cast<float>(luaL_checknumber(L, 3))};
-    CheckTransform(L).scale = scale;
+    TransformComponent& transform = CheckTransform(L);
+    transform.scale = {static_cast<float>(luaL_checknumber(L, 2)),
+                       static_cast<float>(luaL_checknumber(L, 3))};
     return 0;
 }
 
