@@ -99,4 +99,17 @@ TEST(Frames, QuitLetsTheFrameFinishBeforeTheSpacesGo)
     }
 }
 
+TEST(Frames, ALevelThatReschedulesItselfLoadsOncePerFrameAndMayQuit)
+{
+    RunOptions options;
+    options.dataFolder = "relevel";
+    const RunResult result = RunEngine(options);
+    EXPECT_EQ(result.exitCode, 0) << result.errors;
+    EXPECT_EQ(result.errors, "");
+    // A quit during the load step ends the frame before any system updates: the third script never runs.
+    EXPECT_EQ(PrintedLines(result.output),
+              (std::vector<std::string>{"load 1", "script of load 1 sees 1 object", "load 2",
+                                        "script of load 2 sees 1 object", "load 3"}));
+}
+
 } // namespace
