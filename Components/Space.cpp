@@ -3,6 +3,7 @@
 #include "Core/Game.h"
 #include "Debug/Logger.h"
 #include "Debug/Profile.h"
+#include "Lua/LevelLoader.h"
 
 #include <algorithm>
 
@@ -119,11 +120,20 @@ void Space::LoadScheduledLevels(Core::Game& game)
     }
 }
 
-bool Space::LoadLevel(Core::Game&)
+// The old objects go only once the new file has been read, so a level with a syntax error leaves the old
+// one in place; they go before the chunk runs, so what the level makes never meets them.
+bool Space::LoadLevel(Core::Game& game)
 {
-    // Level files can't be read until scripting exists: every load fails, once, and leaves the objects.
     levelScheduled = false;
-    return false;
+    lua_State* L = game.lua.state;
+    const int top = Lua::BeginLevelLoad(L, *this);
+    if (top < 0)
+    {
+        return false;
+    }
+    DestroyAllObjects();
+    DeleteDestroyed(game);
+    return Lua::FinishLevelLoad(L, *this, top);
 }
 
 uint32_t Space::DeleteDestroyed(Core::Game& game)

@@ -1,5 +1,6 @@
 #include "Core/Game.h"
 
+#include "Core/GameScript.h"
 #include "Core/Process.h"
 #include "Debug/Clock.h"
 #include "Debug/Logger.h"
@@ -8,6 +9,7 @@
 #include "FileSystem/Paths.h"
 #include "Graphics/Bitmap.h"
 #include "Lua/CoreScriptTypes.h"
+#include "Lua/ScriptHandles.h"
 
 #include <chrono>
 
@@ -120,6 +122,25 @@ void Game::StartSystems()
     for (System* system : systems)
     {
         system->RegisterScriptTypes(lua);
+    }
+    Lua_Push();
+}
+
+// The globals that scripts reach the game by. The tables of the later systems (Graphics, Physics, Audio)
+// go into Game here, each also as a global of the same name, once those systems have script functions.
+void Game::Lua_Push()
+{
+    lua_State* L = lua.state;
+    const int top = lua_gettop(L);
+    PushGameTable(L, *this);
+    // Physics: the script table of the physics system goes here, as Game.Physics and the global Physics.
+    Lua::PushSpace(&rootSpace, L);
+    lua_setglobal(L, "MainSpace");
+    lua_setglobal(L, "Game");
+    if (lua_gettop(L) != top)
+    {
+        Logger::Log("Game", LogLevel::Error, "Game did not clear up Lua stack in Lua_Push");
+        lua_settop(L, top);
     }
 }
 

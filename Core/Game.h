@@ -70,6 +70,8 @@ private:
     // Loads scheduled levels; true if any was scheduled.
     bool LoadScheduledLevels();
     void HandleGameEvents();
+    // Builds the global table Game and the global MainSpace; run once, after all script types exist.
+    void Lua_Push();
 
     double previousTime = 0.0;
     std::vector<double> frameTimes;

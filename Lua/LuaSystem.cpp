@@ -1,5 +1,6 @@
 #include "Lua/LuaSystem.h"
 
+#include "Components/ComponentType.h"
 #include "Components/Space.h"
 #include "Debug/Logger.h"
 #include "Debug/Profile.h"
@@ -66,6 +67,19 @@ void AddSaveTable(lua_State* L)
     BuildSaveTable(L, path != nullptr ? path->c_str() : nullptr);
     lua_setfield(L, -2, "SaveFile");
     lua_pop(L, 1);
+}
+
+// The drawable and audio components have no script functions until their systems exist. Their metatables
+// are registered empty, so a level key such as "Sprite" adds the component and each of its members logs
+// the missing-member Warning; a system that brings the real functions replaces its placeholder.
+void RegisterDrawableAndAudioPlaceholders(lua_State* L)
+{
+    static constexpr luaL_Reg kNoFunctions[] = {{nullptr, nullptr}};
+    for (const int32_t type : {Components::Square, Components::Sprite, Components::TextSprite,
+                               Components::Particle, Components::Audio})
+    {
+        RegisterMethodType(L, Components::ComponentTypeName(type), kNoFunctions);
+    }
 }
 
 } // namespace
@@ -137,6 +151,7 @@ void LuaSystem::RegisterScriptTypes(LuaSystem& lua)
     lua_pushvalue(state, LUA_REGISTRYINDEX);
     lua_setglobal(state, "__registry");
     RegisterScriptComponentType(state);
+    RegisterDrawableAndAudioPlaceholders(state);
     MakeEnvironmentMetatable(state);
 }
 

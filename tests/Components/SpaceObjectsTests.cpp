@@ -135,6 +135,8 @@ TEST_F(SpaceObjects, DestroyTakesUnflaggedChildrenAndAllTheirObjects)
 
 TEST_F(SpaceObjects, FailedLevelsAreReportedChildrenFirstAndNotRetried)
 {
+    // Level files are read by the Lua state; none of these files exists.
+    game.lua.Initialise(nullptr);
     Space& child = root.CreateChild();
     Space& grandchild = child.CreateChild();
     root.ScheduleLevel("Levels/Root.lvl");
@@ -145,11 +147,19 @@ TEST_F(SpaceObjects, FailedLevelsAreReportedChildrenFirstAndNotRetried)
     LogCapture capture;
     root.LoadScheduledLevels(game);
     root.LoadScheduledLevels(game);
-    EXPECT_EQ(capture.Messages("Space", LogLevel::Error),
-              (std::vector<std::string>{"Failed to load level: Levels/Deep.lvl",
-                                        "Failed to load level: Levels/Root.lvl"}));
+    std::vector<std::string> failures;
+    for (const std::string& message : capture.Messages("Space", LogLevel::Error))
+    {
+        if (message.starts_with("Failed to load level: "))
+        {
+            failures.push_back(message);
+        }
+    }
+    EXPECT_EQ(failures, (std::vector<std::string>{"Failed to load level: Levels/Deep.lvl",
+                                                  "Failed to load level: Levels/Root.lvl"}));
     EXPECT_FALSE(root.IsLevelScheduled());
     EXPECT_TRUE(kept.IsValid()) << "a level that fails leaves the old objects";
+    game.lua.Shutdown();
 }
 
 } // namespace

@@ -78,8 +78,10 @@ TEST_F(SpaceTree, ScheduledLevelsAreFoundAtAnyDepthAndReloadKeepsEachName)
     EXPECT_TRUE(root.IsLevelScheduled());
     EXPECT_EQ(deep.levelName, "Levels/Deep.lvl");
 
+    game.lua.Initialise(nullptr);
     root.LoadScheduledLevels(game);
     EXPECT_FALSE(root.IsLevelScheduled());
+    game.lua.Shutdown();
 
     a.ScheduleReload();
     EXPECT_TRUE(a.levelScheduled && deep.levelScheduled);

@@ -59,7 +59,7 @@ TEST_F(ScriptEnvironments, ConnectStoresHandlersAndWarnsWhenOneIsReplaced)
               "c.lua:5: no name\n");
     const std::vector<std::string> warnings = log.Messages("LuaSystem", LogLevel::Warning);
     ASSERT_EQ(warnings.size(), 2u);
-    EXPECT_TRUE(warnings[0].starts_with("Replaced input handler for \"KeyDown\" for object \"GameObject: "))
+    EXPECT_TRUE(warnings[0].starts_with("Replaced input handler for \"KeyDown\" for object \"Object "))
         << warnings[0];
     EXPECT_EQ(warnings[1], "Replaced input handler for \"FileDropped\" for object \"NULL\"");
     EXPECT_TRUE(Errors().empty());

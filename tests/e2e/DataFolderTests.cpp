@@ -44,8 +44,11 @@ TEST(DataFolder, AnEmptyDataFolderFailsTheStartLevelOnceAndRunsOn)
     options.signalDelaySeconds = 0.5;
     const RunResult result = RunEngine(options);
     EXPECT_EQ(result.exitCode, 0) << result.errors;
-    EXPECT_EQ(LogMessages(result.errors, "Space", "Error"),
-              std::vector<std::string>{"Failed to load level: Levels/Start.lvl"});
+    EXPECT_EQ(
+        LogMessages(result.errors, "Space", "Error"),
+        (std::vector<std::string>{"Failed to load archetype/level file \"Levels/Start.lvl\": cannot open "
+                                  "Levels/Start.lvl: No such file or directory",
+                                  "Failed to load level: Levels/Start.lvl"}));
     EXPECT_NE(result.output.find("[Space] [Debug]: Deleting top space"), std::string::npos);
 }
 

@@ -209,6 +209,19 @@ std::vector<std::string> SplitLines(const std::string& text)
     return lines;
 }
 
+std::vector<std::string> PrintedLines(const std::string& text)
+{
+    std::vector<std::string> printed;
+    for (const std::string& line : SplitLines(text))
+    {
+        if (!line.starts_with("["))
+        {
+            printed.push_back(line);
+        }
+    }
+    return printed;
+}
+
 std::vector<std::string> LogMessages(const std::string& text, const std::string& category,
                                      const std::string& level)
 {

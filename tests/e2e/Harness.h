@@ -41,6 +41,9 @@ RunResult RunEngine(const RunOptions& options);
 // Lines of a text, without their line ends.
 std::vector<std::string> SplitLines(const std::string& text);
 
+// The lines of standard output that are no log lines: what scripts printed, in order.
+std::vector<std::string> PrintedLines(const std::string& text);
+
 // The lines of a log that end with "] [category] [level]: message", in order, message only.
 std::vector<std::string> LogMessages(const std::string& text, const std::string& category,
                                      const std::string& level);

@@ -1,0 +1,139 @@
+#include "Lua/LevelLoader.h"
+#include "Support/ScriptScenario.h"
+
+#include <lua.hpp>
+
+namespace
+{
+
+using LevelLoader = ScriptScenario;
+
+// Runs as a Lua C function on (nil, table), as CreateFromArchetype sees its argument.
+int Classify(lua_State* L)
+{
+    lua_pushinteger(L, static_cast<lua_Integer>(Lua::ClassifyDescription(L)));
+    return 1;
+}
+
+// The form of the table that the expression gives, or the error that classifying it raised.
+std::string FormOf(lua_State* L, const std::string& expression)
+{
+    const int top = lua_gettop(L);
+    std::string form;
+    lua_pushcfunction(L, Classify);
+    lua_pushnil(L);
+    if (luaL_dostring(L, ("return " + expression).c_str()) != LUA_OK)
+    {
+        form = "bad expression";
+    }
+    else if (lua_pcall(L, 2, 1, 0) != LUA_OK)
+    {
+        form = lua_tostring(L, -1);
+    }
+    else
+    {
+        static const char* const kNames[] = {"override", "list", "empty", "object", "invalid"};
+        form = kNames[lua_tointeger(L, -1)];
+    }
+    lua_settop(L, top);
+    return form;
+}
+
+// Names of the objects of the root Space that aren't marked, in dense order.
+std::vector<std::string> LiveNames(Space& space)
+{
+    std::vector<std::string> names;
+    for (const GameObject& object : space.objects)
+    {
+        if (!object.destroyed)
+        {
+            names.push_back(object.name);
+        }
+    }
+    return names;
+}
+
+TEST_F(LevelLoader, TheClassifierTestsExactTypesInItsOrder)
+{
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"{ 'a', Override = {} }", "override"},
+        {"{ {}, Override = { 5 } }", "override"},
+        {"{ 5, Override = {} }", "invalid"},
+        {"{ 5 }", "invalid"},
+        {"{ 'a', Override = 5 }", "invalid"},
+        {"{ 'a' }", "list"},
+        {"{ 'a', {}, Override = 5 }", "list"},
+        {"{ 'a', 5 }", "invalid"},
+        {"{ 'a', nil, 'b' }", "invalid"},
+        {"{}", "empty"},
+        {"{ Name = 'x', Transform = {} }", "object"},
+        {"{ Name = 'x', Z = 5 }", "invalid"},
+        {"{ Name = 'x', Flag = true }", "invalid"},
+        {"{ [true] = 'x' }", "object"},
+        {"setmetatable({}, { __len = function() return -1 end })", "invalid"},
+        {"setmetatable({ 'a' }, { __len = function() return 1.5 end })", "object length is not an integer"},
+        {"setmetatable({}, { __len = function() return 2^62 end })", "stack overflow"},
+        {"setmetatable({}, { __len = function() return 'x' end })", "object length is not an integer"},
+        {"setmetatable({}, { __len = function() return 2 end, __index = function() return 'a' end })",
+         "list"},
+    };
+    for (const auto& [expression, form] : cases)
+    {
+        EXPECT_EQ(FormOf(L(), expression), form) << expression;
+    }
+    EXPECT_EQ(lua_gettop(L()), 0);
+}
+
+TEST_F(LevelLoader, ComponentValuesUnpackArraysAndPassOtherTablesWhole)
+{
+    EXPECT_EQ(
+        Run("local o = MainSpace:CreateObject({ Name = 'P', Transform = { Position = { 1, 2, 3 }, Rotation = "
+            "7 } })\n"
+            "local x, y, z = o.Transform:GetPosition()\n"
+            "assert(x == 1 and y == 2 and z == 3 and math.abs(o.Transform:GetRotation() - 0.7168) < 1e-3)\n"
+            "assert(MainSpace:CreateObject({ Name = 'S', Transform = 'ignored' }).Transform == nil)"),
+        "");
+    const std::string scaleByTable =
+        Run("MainSpace:CreateObject({ Name = 'Q', Transform = { Scale = { x = 1 } } })");
+    EXPECT_NE(scaleByTable.find("Failed to initialise member Scale: "), std::string::npos) << scaleByTable;
+    const std::string arrayVariables =
+        Run("MainSpace:CreateObject({ Name = 'R', Script = { Variables = { 1, 2 } } })");
+    EXPECT_NE(arrayVariables.find("Failed to initialise member Variables: "), std::string::npos)
+        << arrayVariables;
+    EXPECT_NE(arrayVariables.find("table expected, got number"), std::string::npos) << arrayVariables;
+    EXPECT_EQ(Run("local o = MainSpace:CreateObject({ Name = 'V', Script = { Variables = { speed = 4 } } })\n"
+                  "assert(o.Script:GetVariables().speed == 4)"),
+              "");
+    EXPECT_EQ(LiveNames(game.rootSpace), (std::vector<std::string>{"P", "S", "V"}));
+    EXPECT_EQ(log.Messages("Space", LogLevel::Error),
+              (std::vector<std::string>{"Failed to initialise component Transform from table",
+                                        "Failed to initialise component Script from table"}));
+}
+
+TEST_F(LevelLoader, AFailingEntryRaisesAndKeepsWhatWasMadeBeforeIt)
+{
+    Write("Rock.arch", "return { Name = 'Rock' }");
+    const std::string error =
+        Run("MainSpace:CreateObject({ 'Rock.arch', { Name = 'Bad', Transform = { Position = "
+            "'x' }, Children = { { Name = 'Child' } } }, { Name = 'Never' } })");
+    EXPECT_NE(error.find("Failed to initialise member Position"), std::string::npos) << error;
+    EXPECT_EQ(LiveNames(game.rootSpace), std::vector<std::string>{"Rock"})
+        << "the failed object is destroyed, the later entry never made";
+
+    EXPECT_EQ(Run("local a, b, c = MainSpace:CreateObject({ { 'Rock.arch', 'Rock.arch' }, Override = { Name "
+                  "= 'Big', "
+                  "Oops = 'x' } })\n"
+                  "assert(a.Name == 'Big' and b.Name == 'Big' and c == nil)\n"
+                  "assert(select('#', MainSpace:CreateObject({ {}, { 'Rock.arch', 'Rock.arch' } })) == 3)"),
+              "");
+    EXPECT_EQ(log.Messages("Space", LogLevel::Warning),
+              (std::vector<std::string>{"Applying archetype override to 2 objects",
+                                        "Creating object from archetype: No component \"Oops\" exists",
+                                        "Creating object from archetype: No component \"Oops\" exists",
+                                        "Creating a blank gameobject from CreateFromArchetype"}));
+    EXPECT_EQ(Run("MainSpace:CreateObject({ Name = 'O', Override = {} })"),
+              "Tried to apply an override archetype as an override");
+    EXPECT_EQ(lua_gettop(L()), 0);
+}
+
+} // namespace
