@@ -10,6 +10,7 @@
 #include "Graphics/Bitmap.h"
 #include "Lua/CoreScriptTypes.h"
 #include "Lua/ScriptHandles.h"
+#include "Physics/PhysicsScript.h"
 
 #include <chrono>
 
@@ -126,14 +127,17 @@ void Game::StartSystems()
     Lua_Push();
 }
 
-// The globals that scripts reach the game by. The tables of the later systems (Graphics, Physics, Audio)
-// go into Game here, each also as a global of the same name, once those systems have script functions.
+// The globals that scripts reach the game by. Each system's script table goes into Game and is also a
+// global of the same name; Graphics and Audio join once those systems have script functions.
 void Game::Lua_Push()
 {
     lua_State* L = lua.state;
     const int top = lua_gettop(L);
     PushGameTable(L, *this);
-    // Physics: the script table of the physics system goes here, as Game.Physics and the global Physics.
+    Physics::PushPhysicsTable(L, physics, rootSpace);
+    lua_pushvalue(L, -1);
+    lua_setglobal(L, "Physics");
+    lua_setfield(L, -2, "Physics");
     Lua::PushSpace(&rootSpace, L);
     lua_setglobal(L, "MainSpace");
     lua_setglobal(L, "Game");

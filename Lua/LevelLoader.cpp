@@ -123,8 +123,8 @@ int CreateList(lua_State* L)
 
 bool LoadDataFile(lua_State* L, const char* fileName)
 {
-    // Text only: a precompiled chunk can't be verified and could break the interpreter.
-    if (luaL_loadfilex(L, fileName, "t") != LUA_OK)
+    // Text or precompiled, as scripts are: shipped bytecode is trusted, as the README says.
+    if (luaL_loadfilex(L, fileName, nullptr) != LUA_OK)
     {
         LogFileError("Failed to load archetype/level file ", fileName, lua_tostring(L, -1));
         lua_pop(L, 1);
