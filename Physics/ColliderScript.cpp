@@ -91,8 +91,7 @@ int GetGhost(lua_State* L)
 int SetGhost(lua_State* L)
 {
     ColliderComponent& collider = Lua::CheckCollider(L);
-    luaL_checktype(L, 2, LUA_TBOOLEAN);
-    collider.ghost = lua_toboolean(L, 2) != 0;
+    collider.ghost = CheckBoolean(L, 2);
     return 0;
 }
 

@@ -36,8 +36,7 @@ int GetVelocity(lua_State* L)
 int SetIgnoreDrag(lua_State* L)
 {
     Components::RigidBodyComponent& body = Lua::CheckRigidBody(L);
-    luaL_checktype(L, 2, LUA_TBOOLEAN);
-    body.ignoreDrag = lua_toboolean(L, 2) != 0;
+    body.ignoreDrag = CheckBoolean(L, 2);
     return 0;
 }
 
