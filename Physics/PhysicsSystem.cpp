@@ -19,7 +19,8 @@ bool PhysicsSystem::Initialise(Core::Window*)
 
 void PhysicsSystem::Update(Core::Game&, Space& space, double dt, double, double)
 {
-    if (space.paused)
+    // A space without bodies or colliders has nothing to step: menus and HUDs cost no profile blocks.
+    if (space.paused || (space.rigidBodies.Count() == 0 && space.colliders.Count() == 0))
     {
         return;
     }
