@@ -33,24 +33,29 @@ inline constexpr int32_t kEventKindCount = 13;
 // The name that a demo writes and by which scripts connect to the kind; null for None.
 const char* EventName(EventKind kind);
 
+// SizeChanged: width and height. Keys and Char: the code in x. Mouse: window x, y and the button.
+struct EventValues
+{
+    int32_t x, y, button;
+};
+
+// FileDropped: the path, null when the drop named no file, and the window point of the drop.
+struct DropValues
+{
+    char* path;
+    int32_t x, y;
+};
+
+// The payload types stand outside the union: ISO C++ allows no type declared inside an anonymous one.
 struct InputEvent
 {
     EventKind type = EventKind::None;
     union
     {
-        // SizeChanged: width and height. Keys and Char: the code in x. Mouse: window x, y and the button.
-        struct
-        {
-            int32_t x, y, button;
-        } values{0, 0, 0};
+        EventValues values{0, 0, 0};
         // Activate: active. MouseWheel: turned away from the user.
         bool state;
-        // FileDropped: the path, null when the drop named no file, and the window point of the drop.
-        struct
-        {
-            char* path;
-            int32_t x, y;
-        } drop;
+        DropValues drop;
     };
 };
 
