@@ -28,12 +28,14 @@ struct DemoFrame
     std::vector<InputEvent> events;
 };
 
+// Flushes after the line, so that a crash keeps every frame finished before it.
 void WriteFrameLine(std::ostream& demo, double seconds, uint64_t frame);
 // Sets booleans as words, fixed notation and three decimals on the stream first; those settings stay.
 void WriteEvent(std::ostream& demo, const InputEvent& event);
 
 // Reads one event line. Never fails: a line it can't make sense of becomes some event, and an unknown
-// kind is logged and stays kind None. A "FileDropped" gets a heap path of its own.
+// kind is logged and stays kind None. A "FileDropped" gets a heap path of its own, or none for an empty
+// path, which is how the writer puts a drop that named no file.
 InputEvent ParseEvent(std::string_view line);
 // Appends every frame with events to the list, in file order. The events after the last frame line, and
 // a last line without its line feed, are not read.
