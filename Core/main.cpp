@@ -2,7 +2,9 @@
 #include "Core/Game.h"
 #include "Core/Process.h"
 #include "Core/Random.h"
+#include "Core/Window.h"
 
+#include <algorithm>
 #include <clocale>
 #include <cstdio>
 #include <random>
@@ -21,6 +23,9 @@ int main(int argc, char** argv)
     }
     Core::Rand();
 
-    Core::Game game(nullptr, settings);
+    // The settings keep the size asked for; the window never opens smaller than it can be made by hand.
+    Core::Window window(std::max(settings.width, Core::Window::kMinimumWidth),
+                        std::max(settings.height, Core::Window::kMinimumHeight), settings.fullscreen);
+    Core::Game game(&window, settings);
     return game.Run();
 }
