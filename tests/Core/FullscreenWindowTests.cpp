@@ -9,7 +9,8 @@ namespace
 
 bool PlatformFullscreen(const Core::Window& window)
 {
-    return (SDL_GetWindowFlags(window.handle) & SDL_WINDOW_FULLSCREEN_DESKTOP) == SDL_WINDOW_FULLSCREEN_DESKTOP;
+    return (SDL_GetWindowFlags(window.handle) & SDL_WINDOW_FULLSCREEN_DESKTOP) ==
+           SDL_WINDOW_FULLSCREEN_DESKTOP;
 }
 
 TEST(Fullscreen, OpensHiddenAtTheOriginWithTheClientSizeAndTitle)

@@ -128,7 +128,8 @@ TEST(GLContextCreation, WithoutAWindowItFailsWithAnError)
 TEST(GLContextCreation, InputRefusesAMissingWindow)
 {
     Input::InputSystem input;
-    ExpectRaise([&] { input.Initialise(nullptr); }, "InputSystem", "Tried to intiailise input with a NULL window");
+    ExpectRaise([&] { input.Initialise(nullptr); }, "InputSystem",
+                "Tried to intiailise input with a NULL window");
     std::unique_ptr<Core::Window> window = OpenOffscreenWindow();
     Core::Window moved(std::move(*window));
     ExpectRaise([&] { input.Initialise(window.get()); }, "InputSystem",

@@ -188,7 +188,8 @@ TEST_F(EventPump, KeysAreVirtualKeysPressedOnce)
     EXPECT_EQ(Translate({Key(SDL_KEYDOWN, SDLK_a), Key(SDL_KEYDOWN, SDLK_a, 1), Key(SDL_KEYUP, SDLK_a)}),
               (V{"KeyDown 65 0 0", "KeyUp 65 0 0"}))
         << "a held key makes no repeats";
-    EXPECT_EQ(Translate({Key(SDL_KEYDOWN, SDLK_LSHIFT), Key(SDL_KEYDOWN, SDLK_RSHIFT), Key(SDL_KEYDOWN, SDLK_RALT)}),
+    EXPECT_EQ(Translate({Key(SDL_KEYDOWN, SDLK_LSHIFT), Key(SDL_KEYDOWN, SDLK_RSHIFT),
+                         Key(SDL_KEYDOWN, SDLK_RALT)}),
               (V{"KeyDown 160 0 0", "KeyDown 160 0 0", "KeyDown 165 0 0"}));
     EXPECT_EQ(Translate({Key(SDL_KEYDOWN, SDLK_F10), Key(SDL_KEYUP, SDLK_F10)}), V{})
         << "F10 alone belongs to the window menu";
@@ -235,9 +236,9 @@ TEST_F(EventPump, DroppedFilesArePathsFromTheDataFolderSharingOneDropPoint)
     ScopedWorkingDirectory cwd(data.Path());
     const std::string inside = (data.Path() / "Levels" / "A (1).lvl").string();
     const std::string outside = (data.Path().parent_path() / "Notes" / "a.txt").string();
-    const std::vector<std::string> arrived = Translate({DropEvent(SDL_DROPBEGIN), DropEvent(SDL_DROPFILE, inside.c_str()),
-                                                        DropEvent(SDL_DROPFILE, outside.c_str()),
-                                                        DropEvent(SDL_DROPCOMPLETE)});
+    const std::vector<std::string> arrived =
+        Translate({DropEvent(SDL_DROPBEGIN), DropEvent(SDL_DROPFILE, inside.c_str()),
+                   DropEvent(SDL_DROPFILE, outside.c_str()), DropEvent(SDL_DROPCOMPLETE)});
     ASSERT_EQ(arrived.size(), 2u);
     EXPECT_TRUE(arrived[0].starts_with("FileDropped Levels/A (1).lvl @")) << arrived[0];
     EXPECT_TRUE(arrived[1].starts_with("FileDropped ../Notes/a.txt @")) << arrived[1];
@@ -277,7 +278,8 @@ TEST_F(EventPump, AWindowOperationFromAnotherThreadRunsInThePump)
     game.join();
     EXPECT_EQ(SDL_GetWindowFlags(window->handle) & SDL_WINDOW_FULLSCREEN_DESKTOP, 0u);
     Settle();
-    EXPECT_EQ(SDL_GetWindowFlags(window->handle) & SDL_WINDOW_FULLSCREEN_DESKTOP, SDL_WINDOW_FULLSCREEN_DESKTOP);
+    EXPECT_EQ(SDL_GetWindowFlags(window->handle) & SDL_WINDOW_FULLSCREEN_DESKTOP,
+              SDL_WINDOW_FULLSCREEN_DESKTOP);
     window->SetFullscreen(false);
 }
 
