@@ -233,6 +233,33 @@ TEST(Demo, JunkNeverStopsTheRun)
     EXPECT_EQ(warnings[1], "Ignoring unknown event: [99999999999] Big (1)");
 }
 
+// A run recorded while events were pushed at the window, then played back: the scripts must print the
+// same lines at the same frames. Drops print their paths only, since a replayed drop has no point.
+TEST(Demo, ARecordedRunPlaysBackTheSame)
+{
+    for (const char* threaded : {"n", "y"})
+    {
+        RunDirectory directory;
+        RunOptions record;
+        record.executable = QUELLMAR_TYPING_DRIVER;
+        record.dataFolder = "input";
+        record.directory = directory.path;
+        record.arguments = {"record", "typed.dem", "vsync", "n", "multithreaded", threaded};
+        const RunResult recorded = RunEngine(record);
+        ASSERT_EQ(recorded.exitCode, 0) << threaded << recorded.errors;
+        const std::vector<std::string> typed = PrintedLines(recorded.output);
+        ASSERT_GE(typed.size(), 20u) << recorded.output;
+        EXPECT_TRUE(typed.back().ends_with("\tClose")) << typed.back();
+
+        RunOptions play = record;
+        play.executable = QUELLMAR_EXECUTABLE;
+        play.arguments = {"play", "typed.dem", "vsync", "n", "multithreaded", threaded};
+        const RunResult played = RunEngine(play);
+        ASSERT_EQ(played.exitCode, 0) << threaded << played.errors;
+        EXPECT_EQ(PrintedLines(played.output), typed) << threaded;
+    }
+}
+
 TEST(Platform, AVideoDriverThatCannotStartEndsTheRun)
 {
     RunOptions options;
