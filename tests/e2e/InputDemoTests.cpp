@@ -210,6 +210,23 @@ TEST(Demo, AFileThatCannotBePlayedLeavesLiveInput)
     EXPECT_EQ(LogMessages(empty.output, "Input", "Info"), std::vector<std::string>{"Ending replay"});
 }
 
+TEST(Demo, ARecordForTheLastFrameNumberShutsLiveInputOutButASignalStillEnds)
+{
+    RunDirectory directory;
+    directory.Write("far.dem", "<0> Frame 18446744073709551615\n[3] Close ()\n<0> Frame 1\n");
+    RunOptions options;
+    options.dataFolder = "input";
+    options.directory = directory.path;
+    options.arguments = {"play", "far.dem", "level", "Levels/Plain.lvl"};
+    options.signalAfterOutput = "start";
+    options.signalDelaySeconds = 0.3;
+    options.signal = SIGINT;
+    const RunResult result = RunEngine(options);
+    EXPECT_EQ(result.exitCode, 0) << result.errors;
+    EXPECT_FALSE(result.timedOut);
+    EXPECT_TRUE(LogMessages(result.output, "Input", "Info").empty()) << "the replay never ends by itself";
+}
+
 TEST(Demo, JunkNeverStopsTheRun)
 {
     std::mt19937 random(7);
