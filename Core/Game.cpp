@@ -2,15 +2,18 @@
 
 #include "Core/GameScript.h"
 #include "Core/Process.h"
+#include "Core/Window.h"
 #include "Debug/Clock.h"
 #include "Debug/Logger.h"
 #include "Debug/Profile.h"
 #include "FileSystem/AssetManager.h"
 #include "FileSystem/Paths.h"
 #include "Graphics/Bitmap.h"
+#include "Graphics/GLContext.h"
 #include "Lua/CoreScriptTypes.h"
 #include "Lua/ScriptHandles.h"
 #include "Physics/PhysicsScript.h"
+#include "Platform/Video.h"
 
 #include <chrono>
 
@@ -50,18 +53,33 @@ int Game::Run()
         Logger::Raise("Game", "Game is already running!");
     }
     Logger::Log("Game", LogLevel::Debug, "Starting Game...");
+    // Before the move into the data folder: a demo's path is relative to where the program started.
+    if (settings.demoMode == DemoMode::Record || settings.demoMode == DemoMode::Play)
+    {
+        input.demoMode = settings.demoMode;
+        input.OpenDemo(settings.demoFile);
+    }
     FileSystem::ChangeToDataFolder();
     frame = 0;
     systems.clear();
+    // Input starts on the thread that pumps the window, so its events have somewhere to go from now on.
+    AddSystem(input, window);
     if (!settings.multithreaded)
     {
         GameLoop();
         return 0;
     }
-    thread = std::thread(&Game::GameLoop, this);
+    thread = std::thread(
+        [this]
+        {
+            GameLoop();
+            // The platform keeps data for each thread that used it, which a thread of ours must give back.
+            Platform::ReleaseThreadData();
+        });
     // Without a pump the destructor joins the thread.
     if (settings.pumpMessages)
     {
+        input.Pump(true);
         thread.join();
     }
     return 0;
@@ -99,6 +117,7 @@ void Game::GameLoop()
         Logger::Log("Game", LogLevel::Warning, "Game does not have a window");
     }
     StartSystems();
+    ShowWindow();
     rootSpace.ScheduleLevel(settings.level);
     previousTime = ReadSeconds() - kNominalFrameTime;
     frameTimes.assign(kFrameTimeHistory, kNominalFrameTime);
@@ -113,12 +132,18 @@ void Game::GameLoop()
 }
 
 // Systems start on the thread that runs the loop, in the order in which they update: physics reports
-// contacts by queueing coroutines that lua then runs in the same frame. Each registers its script types
-// once all have started and the handle types that belong to no system exist.
+// contacts by queueing coroutines that lua then runs in the same frame; graphics makes its context on the
+// thread that will draw. A game without a window (in-process tests and tools) runs without graphics, as
+// nothing could show what it draws. Each system registers its script types once all have started and the
+// handle types that belong to no system exist.
 void Game::StartSystems()
 {
     AddSystem(physics, window);
     AddSystem(lua, window);
+    if (window != nullptr)
+    {
+        AddSystem(graphics, window);
+    }
     Lua::RegisterCoreScriptTypes(lua.state);
     for (System* system : systems)
     {
@@ -146,6 +171,16 @@ void Game::Lua_Push()
         Logger::Log("Game", LogLevel::Error, "Game did not clear up Lua stack in Lua_Push");
         lua_settop(L, top);
     }
+}
+
+void Game::ShowWindow()
+{
+    if (window == nullptr)
+    {
+        return;
+    }
+    graphics.SetVsync(settings.vsync);
+    window->Show();
 }
 
 bool Game::RunFrame()
@@ -177,14 +212,35 @@ bool Game::RunFrame()
         dt = kNominalFrameTime;
     }
 
+    if (window != nullptr)
+    {
+        graphics.ClearFrame();
+    }
+    if (!settings.multithreaded && settings.pumpMessages)
+    {
+        input.Pump(false);
+    }
+    input.TakeFrameEvents();
     HandleGameEvents();
     if (!running)
     {
+        input.DrainFrameEvents();
         return false;
     }
     UpdateSystems(dt, time);
+    input.DrainFrameEvents();
+    // An unanswered close ends the game before the frame is shown.
+    if (input.closeRequested)
+    {
+        running = false;
+        return false;
+    }
     // Children's subtrees first, then the root's own objects.
     rootSpace.DeleteDestroyedTree(*this);
+    if (window != nullptr)
+    {
+        Graphics::PresentFrame(graphics);
+    }
 
     // The next frame's dt covers all of this one, a level load included.
     previousTime = time;
@@ -242,6 +298,7 @@ bool Game::LoadScheduledLevels()
 
 void Game::HandleGameEvents()
 {
+    input.ProcessFrameEvents(*this);
     // A quit signal acts as the window's "Quit" event: the frame ends before any update.
     if (QuitSignalled())
     {

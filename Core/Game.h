@@ -7,6 +7,8 @@
 #include "Components/Space.h"
 #include "Core/GameSettings.h"
 #include "Core/System.h"
+#include "Graphics/GraphicsSystem.h"
+#include "Input/InputSystem.h"
 #include "Lua/LuaSystem.h"
 #include "Physics/PhysicsSystem.h"
 
@@ -48,8 +50,10 @@ public:
     const std::vector<double>& FrameTimes() const { return frameTimes; }
 
     // The systems come first: they outlive the spaces whose contents hold their resources.
+    Input::InputSystem input;
     Lua::LuaSystem lua;
     Physics::PhysicsSystem physics;
+    Graphics::GraphicsSystem graphics;
     Space rootSpace;
     bool debugDraw = false;
     GameSettings settings;
@@ -70,6 +74,8 @@ private:
     // Loads scheduled levels; true if any was scheduled.
     bool LoadScheduledLevels();
     void HandleGameEvents();
+    // Shows the window with the swap interval set, once every system runs.
+    void ShowWindow();
     // Builds the global table Game and the global MainSpace; run once, after all script types exist.
     void Lua_Push();
 

@@ -1,6 +1,7 @@
 #include "Core/GameScript.h"
 
 #include "Core/Game.h"
+#include "Core/Window.h"
 #include "Lua/ScriptHandles.h"
 #include "Lua/Stack.h"
 
@@ -21,21 +22,30 @@ int Quit(lua_State* L)
     return 0;
 }
 
-// Without a window there is no fullscreen to switch: the argument is checked and nothing changes.
+// Without a window there is no fullscreen to switch: the argument is still checked, and nothing changes.
 int SetFullscreen(lua_State* L)
 {
     luaL_checktype(L, 2, LUA_TBOOLEAN);
+    if (Window* window = GameOf(L).window; window != nullptr)
+    {
+        window->SetFullscreen(lua_toboolean(L, 2) != 0);
+    }
     return 0;
 }
 
 int GetFullscreen(lua_State* L)
 {
-    lua_pushboolean(L, false);
+    const Window* window = GameOf(L).window;
+    lua_pushboolean(L, window != nullptr && window->fullscreen);
     return 1;
 }
 
-int ToggleFullscreen(lua_State*)
+int ToggleFullscreen(lua_State* L)
 {
+    if (Window* window = GameOf(L).window; window != nullptr)
+    {
+        window->SetFullscreen(!window->fullscreen);
+    }
     return 0;
 }
 

@@ -9,8 +9,8 @@ namespace Input
 const char* EventName(EventKind kind)
 {
     static constexpr const char* kNames[kEventKindCount] = {
-        "Quit",    "Activate", "Minimize",  "Close",   "SizeChanged", "KeyDown",    "KeyUp",
-        "Char",    "MouseMove", "MouseDown", "MouseUp", "MouseWheel",  "FileDropped",
+        "Quit", "Activate",  "Minimize",  "Close",   "SizeChanged", "KeyDown",     "KeyUp",
+        "Char", "MouseMove", "MouseDown", "MouseUp", "MouseWheel",  "FileDropped",
     };
     const auto index = static_cast<int32_t>(kind);
     return index >= 0 && index < kEventKindCount ? kNames[index] : nullptr;

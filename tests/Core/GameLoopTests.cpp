@@ -263,24 +263,4 @@ TEST_F(GameLoop, StartFailuresAndASecondRunRaise)
     EXPECT_TRUE(fatal[1].starts_with("Exception: Game is already running!\n"));
 }
 
-TEST_F(GameLoop, RunOnItsOwnThreadEndsWhenTheGameDoes)
-{
-    // Without systems nothing ends the game from inside, so a second thread stands in for Game.Quit.
-    game.settings.multithreaded = true;
-    TempFolder folder;
-    folder.MakeFolder("Data");
-    ScopedWorkingDirectory start(folder.Path());
-    std::thread quitter(
-        [&]
-        {
-            std::this_thread::sleep_for(std::chrono::milliseconds(30));
-            game.running = false;
-        });
-    EXPECT_EQ(game.Run(), 0);
-    quitter.join();
-    EXPECT_FALSE(game.thread.joinable());
-    EXPECT_GE(game.frame, 1u);
-    EXPECT_TRUE(std::filesystem::equivalent(std::filesystem::current_path(), folder.Path() / "Data"));
-}
-
 } // namespace

@@ -20,7 +20,7 @@ TEST(DataFolder, WithoutAUsableDataFolderTheRunEndsWithTheSystemsErrorNumber)
     EXPECT_EQ(noFolder.exitCode, kRaiseExitCode) << noFolder.errors;
     EXPECT_EQ(LogMessages(noFolder.errors, "AssetManager", "Fatal"),
               std::vector<std::string>{"Exception: Failed to change working directory: (2)"});
-    EXPECT_EQ(noFolder.output.find("Game does not have a window"), std::string::npos);
+    EXPECT_EQ(noFolder.output.find("Finished GL function Grab"), std::string::npos);
 
     std::string directory = (fs::temp_directory_path() / "quellmar-e2e-XXXXXX").string();
     ASSERT_NE(mkdtemp(directory.data()), nullptr);
@@ -40,7 +40,7 @@ TEST(DataFolder, AnEmptyDataFolderFailsTheStartLevelOnceAndRunsOn)
     options.dataFolder = "empty";
     options.arguments = {"-level", "Levels/Start.lvl"};
     // The failed load must not be retried: the signal comes only after many frames have run.
-    options.signalAfterOutput = "Game does not have a window";
+    options.signalAfterOutput = "Finished GL function Grab";
     options.signalDelaySeconds = 0.5;
     const RunResult result = RunEngine(options);
     EXPECT_EQ(result.exitCode, 0) << result.errors;

@@ -41,19 +41,42 @@ void PrepareDirectory(const RunOptions& options, const fs::path& directory)
     fs::create_directories(directory / "xdg");
 }
 
-std::vector<std::string> Environment(const fs::path& directory)
+bool SetsVariable(const std::vector<std::string>& settings, std::string_view entry)
 {
+    const std::string_view name = entry.substr(0, entry.find('=') + 1);
+    for (const std::string& setting : settings)
+    {
+        if (setting.starts_with(name))
+        {
+            return true;
+        }
+    }
+    return false;
+}
+
+// The caller's environment with the user folders moved into the run's directory, no display or sound
+// card needed, and the test's own settings over all of that.
+std::vector<std::string> Environment(const RunOptions& options, const fs::path& directory)
+{
+    std::vector<std::string> settings = options.environment;
+    for (const char* setting : {"SDL_VIDEODRIVER=offscreen", "SDL_AUDIODRIVER=dummy", "ALSOFT_DRIVERS=null"})
+    {
+        if (!SetsVariable(settings, setting))
+        {
+            settings.emplace_back(setting);
+        }
+    }
+    settings.push_back("HOME=" + (directory / "home").string());
+    settings.push_back("XDG_DATA_HOME=" + (directory / "xdg").string());
     std::vector<std::string> environment;
     for (char** entry = environ; *entry != nullptr; ++entry)
     {
-        const std::string_view text = *entry;
-        if (!text.starts_with("HOME=") && !text.starts_with("XDG_DATA_HOME="))
+        if (!SetsVariable(settings, *entry))
         {
-            environment.emplace_back(text);
+            environment.emplace_back(*entry);
         }
     }
-    environment.push_back("HOME=" + (directory / "home").string());
-    environment.push_back("XDG_DATA_HOME=" + (directory / "xdg").string());
+    environment.insert(environment.end(), settings.begin(), settings.end());
     return environment;
 }
 
@@ -72,7 +95,7 @@ pid_t Spawn(const RunOptions& options, const fs::path& directory, int outputPipe
 {
     std::vector<std::string> arguments = {options.executable};
     arguments.insert(arguments.end(), options.arguments.begin(), options.arguments.end());
-    std::vector<std::string> environment = Environment(directory);
+    std::vector<std::string> environment = Environment(options, directory);
     std::vector<char*> argv = Pointers(arguments);
     std::vector<char*> envp = Pointers(environment);
 

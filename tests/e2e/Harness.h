@@ -17,6 +17,8 @@ struct RunOptions
     // is kept, so consecutive runs can share a save folder.
     std::filesystem::path directory;
     std::vector<std::string> arguments;
+    // NAME=value settings over the environment; the run is headless and silent unless these say otherwise.
+    std::vector<std::string> environment;
     double timeLimitSeconds = 20.0;
     // When standard output first holds this text, the signal is sent once.
     std::string signalAfterOutput;

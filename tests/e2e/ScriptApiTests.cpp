@@ -31,7 +31,7 @@ TEST(ScriptApi, SpacesAndObjectsAnswerQueriesAndRefuseBadUse)
             "false\tbad argument #1 to '?' (Cannot destroy top space)",
             "false\tbad argument #2 to '?' (boolean expected, got nil)",
             "false\tbad argument #2 to '?' (number expected, got string)",
-            "nil\t0\ttrue\tfalse",
+            "nil\t0\ttrue\ttrue",
             "Box\ttrue\tnil\tnil\ttrue",
             "false\tScripts/Objects.lua:20: GameObject has no member or child called Foo",
             "false\tScripts/Objects.lua:21: Tried to assign to a GameObject (Box.Foo)",

@@ -1,0 +1,305 @@
+#include "Core/Window.h"
+#include "Input/InputSystem.h"
+#include "Support/OffscreenWindow.h"
+#include "Support/TempFolder.h"
+
+#include <SDL.h>
+#include <chrono>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <thread>
+
+namespace
+{
+
+using Input::EventKind;
+using Input::InputEvent;
+
+// What an event says, in one comparable line.
+std::string Describe(const InputEvent& event)
+{
+    const std::string name = Input::EventName(event.type);
+    switch (event.type)
+    {
+    case EventKind::Activate:
+    case EventKind::MouseWheel:
+        return name + (event.state ? " true" : " false");
+    case EventKind::FileDropped:
+        return name + " " + (event.drop.path != nullptr ? event.drop.path : "(null)") + " @" +
+               std::to_string(event.drop.x) + "," + std::to_string(event.drop.y);
+    case EventKind::Quit:
+    case EventKind::Minimize:
+    case EventKind::Close:
+        return name;
+    default:
+        return name + " " + std::to_string(event.values.x) + " " + std::to_string(event.values.y) + " " +
+               std::to_string(event.values.button);
+    }
+}
+
+SDL_Event WindowEvent(uint8_t kind, int32_t data1 = 0, int32_t data2 = 0)
+{
+    SDL_Event event = {};
+    event.type = SDL_WINDOWEVENT;
+    event.window.event = kind;
+    event.window.data1 = data1;
+    event.window.data2 = data2;
+    return event;
+}
+
+SDL_Event Key(uint32_t type, SDL_Keycode keycode, uint8_t repeat = 0, uint16_t modifiers = 0)
+{
+    SDL_Event event = {};
+    event.type = type;
+    event.key.keysym.sym = keycode;
+    event.key.keysym.mod = modifiers;
+    event.key.repeat = repeat;
+    return event;
+}
+
+SDL_Event Text(const char* text)
+{
+    SDL_Event event = {};
+    event.type = SDL_TEXTINPUT;
+    std::strncpy(event.text.text, text, sizeof(event.text.text) - 1);
+    return event;
+}
+
+SDL_Event Button(uint32_t type, uint8_t button, int32_t x, int32_t y)
+{
+    SDL_Event event = {};
+    event.type = type;
+    event.button.button = button;
+    event.button.x = x;
+    event.button.y = y;
+    return event;
+}
+
+SDL_Event Wheel(int32_t y, uint32_t direction)
+{
+    SDL_Event event = {};
+    event.type = SDL_MOUSEWHEEL;
+    event.wheel.y = y;
+    event.wheel.direction = direction;
+    return event;
+}
+
+SDL_Event DropEvent(uint32_t type, const char* text = nullptr)
+{
+    SDL_Event event = {};
+    event.type = type;
+    event.drop.file = text != nullptr ? SDL_strdup(text) : nullptr;
+    return event;
+}
+
+// A real window whose events reach an input system through the pump, as on the main thread of a run.
+class EventPump : public testing::Test
+{
+protected:
+    EventPump() : window(OpenOffscreenWindow(800, 600)) {}
+
+    void SetUp() override
+    {
+        input.Initialise(window.get());
+        window->Show();
+        Settle();
+    }
+
+    void TearDown() override { input.Shutdown(); }
+
+    // Pumps until nothing more arrives for a while, then hands over what the window made.
+    std::vector<std::string> Settle()
+    {
+        std::vector<std::string> arrived;
+        const auto quietFor = std::chrono::milliseconds(30);
+        auto lastArrival = std::chrono::steady_clock::now();
+        while (std::chrono::steady_clock::now() - lastArrival < quietFor)
+        {
+            if (input.Pump(false) > 0)
+            {
+                lastArrival = std::chrono::steady_clock::now();
+            }
+            SDL_Delay(1);
+        }
+        input.TakeFrameEvents();
+        InputEvent event;
+        while (input.frameEvents.Pop(event))
+        {
+            arrived.push_back(Describe(event));
+            Input::FreePath(event);
+        }
+        return arrived;
+    }
+
+    std::vector<std::string> Translate(std::vector<SDL_Event> events)
+    {
+        for (SDL_Event& event : events)
+        {
+            SDL_PushEvent(&event);
+        }
+        return Settle();
+    }
+
+    std::unique_ptr<Core::Window> window;
+    Input::InputSystem input;
+};
+
+TEST_F(EventPump, WindowStatesBecomeTheirEvents)
+{
+    using V = std::vector<std::string>;
+    EXPECT_EQ(Translate({SDL_Event{SDL_QUIT}}), V{"Quit"});
+    EXPECT_EQ(Translate({WindowEvent(SDL_WINDOWEVENT_CLOSE)}), V{"Close"});
+    EXPECT_EQ(Translate({WindowEvent(SDL_WINDOWEVENT_FOCUS_GAINED), WindowEvent(SDL_WINDOWEVENT_FOCUS_LOST)}),
+              (V{"Activate true", "Activate false"}));
+    EXPECT_EQ(Translate({WindowEvent(SDL_WINDOWEVENT_SIZE_CHANGED, 1024, 700),
+                         WindowEvent(SDL_WINDOWEVENT_SIZE_CHANGED, 1024, 700)}),
+              V{"SizeChanged 1024 700 0"})
+        << "the same size twice is reported once";
+    EXPECT_EQ(Translate({WindowEvent(SDL_WINDOWEVENT_MINIMIZED), WindowEvent(SDL_WINDOWEVENT_RESTORED)}),
+              (V{"SizeChanged 0 0 0", "Minimize", "SizeChanged 800 600 0"}));
+    EXPECT_EQ(Translate({WindowEvent(SDL_WINDOWEVENT_SHOWN), WindowEvent(SDL_WINDOWEVENT_MOVED, 5, 5)}), V{})
+        << "only the first showing reports a size";
+}
+
+TEST_F(EventPump, TheFirstShowingReportsTheSize)
+{
+    // The fixture showed the window: the pump saw that before anything else.
+    Core::Window other(700, 500, false);
+    Input::InputSystem otherInput;
+    otherInput.Initialise(&other);
+    other.Show();
+    SDL_Delay(20);
+    otherInput.Pump(false);
+    otherInput.TakeFrameEvents();
+    InputEvent event;
+    std::vector<std::string> arrived;
+    while (otherInput.frameEvents.Pop(event))
+    {
+        arrived.push_back(Describe(event));
+    }
+    otherInput.Shutdown();
+    ASSERT_FALSE(arrived.empty());
+    EXPECT_EQ(arrived.front(), "SizeChanged 700 500 0");
+}
+
+TEST_F(EventPump, KeysAreVirtualKeysPressedOnce)
+{
+    using V = std::vector<std::string>;
+    EXPECT_EQ(Translate({Key(SDL_KEYDOWN, SDLK_a), Key(SDL_KEYDOWN, SDLK_a, 1), Key(SDL_KEYUP, SDLK_a)}),
+              (V{"KeyDown 65 0 0", "KeyUp 65 0 0"}))
+        << "a held key makes no repeats";
+    EXPECT_EQ(Translate({Key(SDL_KEYDOWN, SDLK_LSHIFT), Key(SDL_KEYDOWN, SDLK_RSHIFT),
+                         Key(SDL_KEYDOWN, SDLK_RALT)}),
+              (V{"KeyDown 160 0 0", "KeyDown 160 0 0", "KeyDown 165 0 0"}));
+    EXPECT_EQ(Translate({Key(SDL_KEYDOWN, SDLK_F10), Key(SDL_KEYUP, SDLK_F10)}), V{})
+        << "F10 alone belongs to the window menu";
+    EXPECT_EQ(Translate({Key(SDL_KEYDOWN, SDLK_F10, 0, KMOD_LALT), Key(SDL_KEYUP, SDLK_F10, 0, KMOD_RALT)}),
+              (V{"KeyDown 121 0 0", "KeyUp 121 0 0"}));
+    EXPECT_EQ(Translate({Key(SDL_KEYDOWN, SDLK_AUDIOPLAY)}), V{});
+}
+
+TEST_F(EventPump, TextBecomesCharactersAndEditingKeysTypeControlCharacters)
+{
+    using V = std::vector<std::string>;
+    EXPECT_EQ(Translate({Text("a\xC3\xA9\xF0\x9F\x98\x80")}),
+              (V{"Char 97 0 0", "Char 233 0 0", "Char 55357 0 0", "Char 56832 0 0"}))
+        << "one character per UTF-16 unit";
+    EXPECT_EQ(Translate({Key(SDL_KEYDOWN, SDLK_RETURN), Key(SDL_KEYDOWN, SDLK_RETURN, 1),
+                         Key(SDL_KEYDOWN, SDLK_BACKSPACE), Key(SDL_KEYDOWN, SDLK_TAB, 1),
+                         Key(SDL_KEYDOWN, SDLK_ESCAPE), Key(SDL_KEYDOWN, SDLK_KP_ENTER)}),
+              (V{"KeyDown 13 0 0", "Char 13 0 0", "Char 13 0 0", "KeyDown 8 0 0", "Char 8 0 0", "Char 9 0 0",
+                 "KeyDown 27 0 0", "Char 27 0 0", "KeyDown 13 0 0", "Char 13 0 0"}));
+    EXPECT_EQ(Translate({Text("\xFF")}), V{"Char 65533 0 0"});
+}
+
+TEST_F(EventPump, MouseButtonsAreNumberedLeftRightMiddle)
+{
+    using V = std::vector<std::string>;
+    SDL_Event motion = {};
+    motion.type = SDL_MOUSEMOTION;
+    motion.motion.x = 10;
+    motion.motion.y = -20;
+    EXPECT_EQ(Translate({motion}), V{"MouseMove 10 -20 0"});
+    EXPECT_EQ(Translate({Button(SDL_MOUSEBUTTONDOWN, SDL_BUTTON_LEFT, 1, 2),
+                         Button(SDL_MOUSEBUTTONDOWN, SDL_BUTTON_RIGHT, 3, 4),
+                         Button(SDL_MOUSEBUTTONUP, SDL_BUTTON_MIDDLE, 5, 6),
+                         Button(SDL_MOUSEBUTTONUP, SDL_BUTTON_X1, 7, 8)}),
+              (V{"MouseDown 1 2 1", "MouseDown 3 4 2", "MouseUp 5 6 3"}));
+    EXPECT_EQ(Translate({Wheel(1, SDL_MOUSEWHEEL_NORMAL), Wheel(-2, SDL_MOUSEWHEEL_NORMAL),
+                         Wheel(-1, SDL_MOUSEWHEEL_FLIPPED), Wheel(0, SDL_MOUSEWHEEL_NORMAL)}),
+              (V{"MouseWheel true", "MouseWheel false", "MouseWheel true"}));
+}
+
+TEST_F(EventPump, DroppedFilesArePathsFromTheDataFolderSharingOneDropPoint)
+{
+    TempFolder data;
+    ScopedWorkingDirectory cwd(data.Path());
+    const std::string inside = (data.Path() / "Levels" / "A (1).lvl").string();
+    const std::string outside = (data.Path().parent_path() / "Notes" / "a.txt").string();
+    const std::vector<std::string> arrived =
+        Translate({DropEvent(SDL_DROPBEGIN), DropEvent(SDL_DROPFILE, inside.c_str()),
+                   DropEvent(SDL_DROPFILE, outside.c_str()), DropEvent(SDL_DROPCOMPLETE)});
+    ASSERT_EQ(arrived.size(), 2u);
+    EXPECT_TRUE(arrived[0].starts_with("FileDropped Levels/A (1).lvl @")) << arrived[0];
+    EXPECT_TRUE(arrived[1].starts_with("FileDropped ../Notes/a.txt @")) << arrived[1];
+    EXPECT_EQ(arrived[0].substr(arrived[0].find('@')), arrived[1].substr(arrived[1].find('@')));
+
+    const std::vector<std::string> textOnly =
+        Translate({DropEvent(SDL_DROPBEGIN), DropEvent(SDL_DROPTEXT, "words"), DropEvent(SDL_DROPCOMPLETE)});
+    ASSERT_EQ(textOnly.size(), 1u);
+    EXPECT_TRUE(textOnly[0].starts_with("FileDropped (null) @")) << textOnly[0];
+}
+
+TEST_F(EventPump, NothingArrivesBeforeStartOrAfterShutdown)
+{
+    input.Shutdown();
+    SDL_Event close = WindowEvent(SDL_WINDOWEVENT_CLOSE);
+    SDL_PushEvent(&close);
+    SDL_Event drop = DropEvent(SDL_DROPFILE, "/tmp/a.txt");
+    SDL_PushEvent(&drop);
+    Input::InputSystem later;
+    later.Initialise(window.get());
+    later.Pump(false);
+    later.TakeFrameEvents();
+    EXPECT_EQ(later.frameEvents.Size(), 0u) << "what came before the start makes no event";
+    later.Shutdown();
+    input.Initialise(window.get());
+}
+
+TEST_F(EventPump, AWindowOperationFromAnotherThreadRunsInThePump)
+{
+    std::thread game(
+        [&]
+        {
+            window->SetFullscreen(true);
+            EXPECT_TRUE(window->fullscreen) << "the state changes at once on the calling thread";
+            SDL_TLSCleanup();
+        });
+    game.join();
+    EXPECT_EQ(SDL_GetWindowFlags(window->handle) & SDL_WINDOW_FULLSCREEN_DESKTOP, 0u);
+    Settle();
+    EXPECT_EQ(SDL_GetWindowFlags(window->handle) & SDL_WINDOW_FULLSCREEN_DESKTOP,
+              SDL_WINDOW_FULLSCREEN_DESKTOP);
+    window->SetFullscreen(false);
+}
+
+TEST(EventPumpShutdown, WakesABlockingPumpEveryTime)
+{
+    const std::unique_ptr<Core::Window> window = OpenOffscreenWindow();
+    for (int round = 0; round < 1000; ++round)
+    {
+        Input::InputSystem input;
+        input.Initialise(window.get());
+        std::thread game(
+            [&]
+            {
+                input.Shutdown();
+                SDL_TLSCleanup();
+            });
+        input.Pump(true);
+        game.join();
+        EXPECT_EQ(input.window, nullptr);
+    }
+}
+
+} // namespace

@@ -1,0 +1,9 @@
+#include "Support/OffscreenWindow.h"
+
+#include <cstdlib>
+
+std::unique_ptr<Core::Window> OpenOffscreenWindow(int32_t width, int32_t height)
+{
+    setenv("SDL_VIDEODRIVER", "offscreen", 0);
+    return std::make_unique<Core::Window>(width, height, false);
+}
