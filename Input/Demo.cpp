@@ -282,8 +282,7 @@ void WritePayload(std::ostream& demo, const InputEvent& event)
 
 void WriteFrameLine(std::ostream& demo, double seconds, uint64_t frame)
 {
-    // Flushing at each frame's start puts every finished frame on disk, so a crash keeps the demo.
-    demo << '<' << seconds << "> Frame " << frame << '\n' << std::flush;
+    demo << '<' << seconds << "> Frame " << frame << '\n';
 }
 
 void WriteEvent(std::ostream& demo, const InputEvent& event)

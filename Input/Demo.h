@@ -28,7 +28,7 @@ struct DemoFrame
     std::vector<InputEvent> events;
 };
 
-// Flushes after the line, so that a crash keeps every frame finished before it.
+// Neither writer flushes: the recorder flushes once a frame, after the frame's events.
 void WriteFrameLine(std::ostream& demo, double seconds, uint64_t frame);
 // Sets booleans as words, fixed notation and three decimals on the stream first; those settings stay.
 void WriteEvent(std::ostream& demo, const InputEvent& event);

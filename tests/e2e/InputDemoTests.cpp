@@ -119,13 +119,20 @@ TEST(Demo, PauseTogglesAndClicksEndAPause)
                                         "pausing game", "Unpausing game", "pausing game", "Unpausing game"}));
 }
 
-TEST(Demo, F11SwitchesFullscreenBothWays)
+TEST(Demo, F11AndScriptsSwitchFullscreenBothWays)
 {
-    const RunResult result =
-        Play(Demo(22, {{3, "[5] KeyDown (122)"}, {5, "[5] KeyDown (122)"}, kCloseAt20}), {"fullscreen", "n"});
+    const RunResult result = Play(Demo(22, {{3, "[5] KeyDown (122)"},
+                                            {5, "[5] KeyDown (122)"},
+                                            {6, "[5] KeyDown (84)"},
+                                            {7, "[5] KeyDown (83)"},
+                                            {8, "[5] KeyDown (83)"},
+                                            kCloseAt20}),
+                                  {"fullscreen", "n"});
     EXPECT_EQ(result.exitCode, 0) << result.errors;
-    EXPECT_EQ(PrintedLines(result.output), (std::vector<std::string>{"start", "3\tKeyDown\t122\ttrue",
-                                                                     "5\tKeyDown\t122\tfalse", "20\tClose"}));
+    EXPECT_EQ(PrintedLines(result.output),
+              (std::vector<std::string>{"start", "3\tKeyDown\t122\ttrue", "5\tKeyDown\t122\tfalse",
+                                        "6\tKeyDown\t84\ttrue", "7\tKeyDown\t83\tfalse",
+                                        "8\tKeyDown\t83\tfalse", "20\tClose"}));
 }
 
 TEST(Demo, AnUnansweredCloseEndsTheGameAfterThatFramesUpdate)

@@ -9,7 +9,15 @@ Input.ConnectActivate(show("Activate"))
 Input.ConnectMinimize(show("Minimize"))
 Input.ConnectSizeChanged(show("SizeChanged"))
 Input.ConnectMouseWheel(show("MouseWheel"))
-Input.ConnectKeyDown(function(key) print(frame, "KeyDown", key:byte(), Game.GetFullscreen()) end)
+Input.ConnectKeyDown(function(key)
+    -- T and S switch fullscreen from the script, as F11 does from the keyboard.
+    if key == "T" then
+        Game.ToggleFullscreen()
+    elseif key == "S" then
+        Game:SetFullscreen(false)
+    end
+    print(frame, "KeyDown", key:byte(), Game.GetFullscreen())
+end)
 Input.ConnectKeyUp(function(key) print(frame, "KeyUp", key:byte()) end)
 Input.ConnectChar(function(character) print(frame, "Char", character:byte()) end)
 Input.ConnectMouseMove(function(_, _, x, y) print(frame, "MouseMove", x, y) end)
