@@ -2,6 +2,7 @@
 
 #include "Components/Space.h"
 #include "Core/Game.h"
+#include "Debug/Profile.h"
 
 #include <array>
 #include <fstream>
@@ -194,10 +195,14 @@ void ScriptMisuse::RunChunk(const char* name, const char* chunk)
     }
 }
 
-// The space work of the loop's frame: flagged child spaces go, scheduled levels load, the systems update
+// The work of the loop's frame: flagged child spaces go, scheduled levels load, the systems update
 // and destroyed objects are deleted. A root flagged for destruction stays: the real loop ends the game.
 void ScriptMisuse::Frame()
 {
+    // As in the loop, each frame's profile records are taken and the systems' blocks sum under a root block;
+    // untaken, they would pile up for the whole run.
+    Debug::TakeProfile();
+    Debug::ProfileBlock frameBlock("Root");
     for (Space* child = game.rootSpace.firstChild.get(); child != nullptr;)
     {
         Space* next = child->nextSibling.get();
