@@ -23,8 +23,13 @@ MisuseEnvironments[GameObject.Name] = {
         function() coroutine.yield() end,
         function() error({}) end,
         function()
-            Space:CreateObject({ Name = "Grown", RigidBody = {}, Collider = {},
-                                 Transform = { Position = { math.random(-1000, 1000), math.random(-1000, 1000) } } })
+            -- A few only: every contact of the host starts this, and what it makes may touch the host in
+            -- turn, so unbounded the objects could multiply every frame.
+            Grown = (Grown or 0) + 1
+            if Grown <= 64 then
+                Space:CreateObject({ Name = "Grown", RigidBody = {}, Collider = {},
+                                     Transform = { Position = { math.random(-1000, 1000), 0 } } })
+            end
         end,
         function() Spawn(error) wait(-1) end,
     },
@@ -34,6 +39,8 @@ MisuseEnvironments[GameObject.Name] = {
 // The first objects: two touching objects with every scripted component in the root space and one in a
 // child, and the same in an object and in a space that are destroyed before the first call.
 constexpr const char* kSetupChunk = R"lua(
+-- The engine's generator outlives a game; seeded here, the handlers place their objects alike every run.
+math.randomseed(1)
 local function Full(space, name, x)
     return space:CreateObject({ Name = name, Transform = { Position = { x or 0, 0 } }, RigidBody = {},
                                 Collider = {}, Script = "MisuseExpose.lua" })
@@ -123,9 +130,9 @@ local pool = Pack(nil, true, false, 0, -1, 1, 2, 0.5, -0.0, 0 / 0, math.huge, -m
     environment.Input, environment, os.SaveFile, table.unpack(environment.handlers))
 -- The functions of the environments of the destroyed objects, whose scripts are gone.
 for _, name in ipairs({ "Doomed", "Lost" }) do
-    for _, value in pairs(environments[name] or {}) do
+    for _, key in ipairs({ "Spawn", "wait", "dofile", "Input", "Script" }) do
         pool.n = pool.n + 1
-        pool[pool.n] = value
+        pool[pool.n] = (environments[name] or {})[key]
     end
 end
 for _, handle in ipairs(handles) do
