@@ -1,15 +1,28 @@
+#include "FileSystem/Paths.h"
 #include "Support/FuzzBitmap.h"
 #include "Support/ScriptMisuse.h"
 #include "Support/ScriptScenario.h"
 
+#include <filesystem>
 #include <lua.hpp>
 #include <random>
 
 namespace
 {
 
+// The calls save values that don't load back, such as handles: the save goes with the test, so that later
+// tests of the process start without one.
 class HostileScripts : public ScriptScenario
 {
+protected:
+    void TearDown() override
+    {
+        ScriptScenario::TearDown();
+        if (const std::string* save = FileSystem::GetSavePath())
+        {
+            std::filesystem::remove(*save);
+        }
+    }
 };
 
 // Thousands of seeded hostile calls on the whole script surface, frames between them: every call comes back
