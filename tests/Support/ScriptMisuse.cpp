@@ -128,8 +128,9 @@ local pool = Pack(nil, true, false, 0, -1, 1, 2, 0.5, -0.0, 0 / 0, math.huge, -m
     raising, tostring, error, function() end, function(...) return ... end, function() return handles end,
     coroutine.create(function() end), dead, suspended, coroutine.running(), io.stdout, Physics,
     environment.Input, environment, os.SaveFile, table.unpack(environment.handlers))
--- The functions of the environments of the destroyed objects, whose scripts are gone.
-for _, name in ipairs({ "Doomed", "Lost" }) do
+-- The functions of the live script's environment, so that Spawn can start wait or dofile, and those of the
+-- environments of the destroyed objects, whose scripts are gone.
+for _, name in ipairs({ "Host", "Doomed", "Lost" }) do
     for _, key in ipairs({ "Spawn", "wait", "dofile", "Input", "Script" }) do
         pool.n = pool.n + 1
         pool[pool.n] = (environments[name] or {})[key]
