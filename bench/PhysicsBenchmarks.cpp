@@ -1,4 +1,5 @@
-// The physics step on crowds of bouncing circles, and ray queries against a thousand colliders.
+// The physics step on crowds of bouncing circles, alone and with a script handler on every collider, and ray
+// queries against a thousand colliders, from the engine and from a script.
 
 #include "AllocationCounter.h"
 #include "Components/Space.h"
@@ -6,9 +7,12 @@
 #include "Debug/Profile.h"
 #include "Physics/ContactFinder.h"
 #include "Physics/Raycast.h"
+#include "Support/TempFolder.h"
 
 #include <benchmark/benchmark.h>
 #include <cmath>
+#include <fstream>
+#include <lua.hpp>
 #include <random>
 
 namespace
@@ -86,12 +90,76 @@ void PhysicsStepCircles(benchmark::State& state)
 }
 BENCHMARK(PhysicsStepCircles)->Arg(1000)->Arg(5000)->Unit(benchmark::kMillisecond);
 
-// Rays across a field of 1000 circles, each ray a tenth of the field long, from a fixed list of starts.
-void Raycast(benchmark::State& state)
+// A game with its systems started in a temporary Data folder, whose one script runs the chunk at the first
+// update.
+class ScriptedGame
 {
-    Core::Game game(nullptr, Core::GameSettings{});
+public:
+    explicit ScriptedGame(const char* chunk) : cwd(data.Path()), game(nullptr, Core::GameSettings{})
+    {
+        std::ofstream(data.Path() / "bench.lua") << chunk;
+        game.StartSystems();
+        script = game.rootSpace.CreateObject();
+        const Handle component = script.Get().AddComponent(Components::Script);
+        game.rootSpace.scripts.components.at(component).SetScript(game.lua.state, "bench.lua");
+    }
+    ~ScriptedGame() { game.LeaveLoop(); }
+    ScriptedGame(const ScriptedGame&) = delete;
+    ScriptedGame& operator=(const ScriptedGame&) = delete;
+
+    // The script update of one frame: handlers that the step started run here.
+    void UpdateScripts()
+    {
+        time += kDt;
+        game.rootSpace.time += kDt;
+        game.lua.Update(game, game.rootSpace, kDt, game.rootSpace.time, time);
+    }
+
+    static constexpr double kDt = 1.0 / 60.0;
+    TempFolder data;
+    ScopedWorkingDirectory cwd;
+    Core::Game game;
+    GameObjectHandle script;
+    double time = 0.0;
+};
+
+// The step of PhysicsStepCircles with a script handler connected to every collider, and the script update
+// that runs the handlers it started: each contact starts two coroutines, one per side.
+void PhysicsStepCirclesWithHandlers(benchmark::State& state)
+{
+    ScriptedGame scripted(R"lua(
+        _G.Hits = 0
+        local function Count(own, other, x, y) _G.Hits = _G.Hits + 1 end
+        for _, object in ipairs(Space:AllObjects()) do
+            if object:HasComponent("Collider") then object.Collider:ConnectCollision(Count) end
+        end
+    )lua");
+    Core::Game& game = scripted.game;
     Space& space = game.rootSpace;
-    ScatterCircles(space, 1000, 12);
+    const std::vector<Seat> seats = ScatterCircles(space, static_cast<int>(state.range(0)), 11);
+    game.physics.gravity = Vec2{0.0f, -9.8f};
+    scripted.UpdateScripts();
+
+    Debug::ProfileBlock frame("Root");
+    for (auto _ : state)
+    {
+        state.PauseTiming();
+        Reseat(space, seats);
+        state.ResumeTiming();
+        game.physics.Step(space, 1.0f / 60.0f);
+        scripted.UpdateScripts();
+    }
+    lua_State* L = game.lua.state;
+    lua_getglobal(L, "Hits");
+    state.counters["handlerRuns"] =
+        static_cast<double>(lua_tointeger(L, -1)) / static_cast<double>(state.iterations());
+    lua_pop(L, 1);
+}
+BENCHMARK(PhysicsStepCirclesWithHandlers)->Arg(1000)->Unit(benchmark::kMillisecond);
+
+// Rays across a field of 1000 circles, each ray a tenth of the field long, from a fixed list of starts.
+std::vector<std::pair<Vec2, Vec2>> RaysAcrossTheField()
+{
     const float side = std::sqrt(1000.0f * 3.14159265f / 2.0f);
     std::mt19937 random(13);
     std::uniform_real_distribution<float> place(0.0f, side);
@@ -101,6 +169,15 @@ void Raycast(benchmark::State& state)
     {
         rays.emplace_back(Vec2{place(random), place(random)}, Vec2{direction(random), direction(random)});
     }
+    return rays;
+}
+
+void Raycast(benchmark::State& state)
+{
+    Core::Game game(nullptr, Core::GameSettings{});
+    Space& space = game.rootSpace;
+    ScatterCircles(space, 1000, 12);
+    const std::vector<std::pair<Vec2, Vec2>> rays = RaysAcrossTheField();
     std::vector<Physics::RaycastHit> hits;
     size_t next = 0;
     size_t hitCount = 0;
@@ -114,5 +191,54 @@ void Raycast(benchmark::State& state)
     space.Destroy(game);
 }
 BENCHMARK(Raycast)->Unit(benchmark::kMicrosecond);
+
+// The same rays cast by a script through Physics:Raycast, one call per iteration, hit tables and their
+// garbage included.
+void RaycastFromScript(benchmark::State& state)
+{
+    ScriptedGame scripted(R"lua(
+        local index = 0
+        function _G.CastNext()
+            index = index % #Rays + 1
+            local ray = Rays[index]
+            return select("#", Physics:Raycast(ray[1], ray[2], ray[3], ray[4]))
+        end
+    )lua");
+    Core::Game& game = scripted.game;
+    ScatterCircles(game.rootSpace, 1000, 12);
+    lua_State* L = game.lua.state;
+    const std::vector<std::pair<Vec2, Vec2>> rays = RaysAcrossTheField();
+    lua_createtable(L, static_cast<int>(rays.size()), 0);
+    for (size_t index = 0; index < rays.size(); ++index)
+    {
+        const auto& [start, along] = rays[index];
+        const float values[] = {start.x, start.y, along.x, along.y};
+        lua_createtable(L, 4, 0);
+        for (int slot = 0; slot < 4; ++slot)
+        {
+            lua_pushnumber(L, values[slot]);
+            lua_rawseti(L, -2, slot + 1);
+        }
+        lua_rawseti(L, -2, static_cast<lua_Integer>(index) + 1);
+    }
+    lua_setglobal(L, "Rays");
+    scripted.UpdateScripts();
+
+    size_t hitCount = 0;
+    for (auto _ : state)
+    {
+        lua_getglobal(L, "CastNext");
+        if (lua_pcall(L, 0, 1, 0) != LUA_OK)
+        {
+            state.SkipWithError(lua_tostring(L, -1));
+            lua_pop(L, 1);
+            break;
+        }
+        hitCount += static_cast<size_t>(lua_tointeger(L, -1));
+        lua_pop(L, 1);
+    }
+    state.counters["hitsPerRay"] = static_cast<double>(hitCount) / static_cast<double>(state.iterations());
+}
+BENCHMARK(RaycastFromScript)->Unit(benchmark::kMicrosecond);
 
 } // namespace

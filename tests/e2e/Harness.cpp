@@ -91,6 +91,25 @@ std::vector<char*> Pointers(std::vector<std::string>& texts)
     return pointers;
 }
 
+// Runs in the child between fork and exec: only async-signal-safe calls. The limits and the disposition
+// of SIGXFSZ survive exec; the disposition is set either way, so the test doesn't inherit ours.
+void LimitFileSize(const RunOptions& options)
+{
+    if (options.fileSizeLimit == 0)
+    {
+        return;
+    }
+    const rlimit size = {options.fileSizeLimit, options.fileSizeLimit};
+    const rlimit noCore = {0, 0};
+    struct sigaction disposition = {};
+    disposition.sa_handler = options.ignoreFileSizeSignal ? SIG_IGN : SIG_DFL;
+    if (setrlimit(RLIMIT_FSIZE, &size) != 0 || setrlimit(RLIMIT_CORE, &noCore) != 0 ||
+        sigaction(SIGXFSZ, &disposition, nullptr) != 0)
+    {
+        _exit(125);
+    }
+}
+
 pid_t Spawn(const RunOptions& options, const fs::path& directory, int outputPipe[2], int errorPipe[2])
 {
     std::vector<std::string> arguments = {options.executable};
@@ -110,6 +129,7 @@ pid_t Spawn(const RunOptions& options, const fs::path& directory, int outputPipe
         {
             _exit(126);
         }
+        LimitFileSize(options);
         execve(argv[0], argv.data(), envp.data());
         _exit(127);
     }

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <filesystem>
 #include <string>
+#include <sys/resource.h>
 #include <vector>
 
 struct RunOptions
@@ -27,6 +28,12 @@ struct RunOptions
     int signal = SIGTERM;
     // Close our end of standard output right after signalling, as a reader that went away would.
     bool closeOutputAfterSignal = false;
+    // The largest file the run may write, in bytes (RLIMIT_FSIZE); 0 for no limit. A limited run also
+    // dumps no core, which the limit would cut short anyway.
+    rlim_t fileSizeLimit = 0;
+    // With a limit: start with SIGXFSZ ignored, so that a write past the limit fails with EFBIG instead of
+    // ending the process by the signal.
+    bool ignoreFileSizeSignal = false;
 };
 
 struct RunResult
