@@ -1,7 +1,7 @@
 #include "Input/InputSystem.h"
+#include "Support/InputEvents.h"
 #include "Support/ScriptScenario.h"
 
-#include <cstring>
 #include <lua.hpp>
 
 namespace
@@ -15,30 +15,6 @@ constexpr int32_t kF1 = 0x70;
 constexpr int32_t kF4 = 0x73;
 constexpr int32_t kF5 = 0x74;
 constexpr int32_t kF11 = 0x7A;
-
-InputEvent Event(EventKind kind, int32_t x = 0, int32_t y = 0, int32_t button = 0)
-{
-    InputEvent event;
-    event.type = kind;
-    event.values = {x, y, button};
-    return event;
-}
-
-InputEvent StateEvent(EventKind kind, bool state)
-{
-    InputEvent event;
-    event.type = kind;
-    event.state = state;
-    return event;
-}
-
-InputEvent Drop(const char* path, int32_t x, int32_t y)
-{
-    InputEvent event;
-    event.type = EventKind::FileDropped;
-    event.drop = {path != nullptr ? Input::CopyPath(path, std::strlen(path)) : nullptr, x, y};
-    return event;
-}
 
 // The game's input steps around one frame's updates, as the loop runs them: take the events over, act on
 // them, offer them to the scripts of every Space during the update, and drain them.
@@ -69,7 +45,7 @@ protected:
         return printed;
     }
 
-    std::string Press(int32_t key) { return Deliver({Event(EventKind::KeyDown, key)}); }
+    std::string Press(int32_t key) { return Deliver({MakeEvent(EventKind::KeyDown, key)}); }
 };
 
 TEST_F(InputEvents, ScriptsReceiveEachKindWithItsArguments)
@@ -91,18 +67,18 @@ TEST_F(InputEvents, ScriptsReceiveEachKindWithItsArguments)
     Frame(1.0 / 60.0);
     const int top = lua_gettop(L());
     const std::string printed = Deliver({
-        StateEvent(EventKind::Activate, false),
-        Event(EventKind::KeyDown, 0x1A0), // only the low byte reaches scripts
-        Event(EventKind::KeyUp, 65),
-        Event(EventKind::Char, 0x263A),
-        Event(EventKind::MouseMove, 400, 300),
-        Event(EventKind::MouseDown, 0, 0, 1),
-        Event(EventKind::MouseUp, 800, 600, 3),
-        StateEvent(EventKind::MouseWheel, true),
-        StateEvent(EventKind::MouseWheel, false),
-        Drop("Levels/A (1).lvl", 400, 300),
-        Drop(nullptr, 1, 2),
-        Event(EventKind::Minimize),
+        MakeSwitch(EventKind::Activate, false),
+        MakeEvent(EventKind::KeyDown, 0x1A0), // only the low byte reaches scripts
+        MakeEvent(EventKind::KeyUp, 65),
+        MakeEvent(EventKind::Char, 0x263A),
+        MakeEvent(EventKind::MouseMove, 400, 300),
+        MakeEvent(EventKind::MouseDown, 0, 0, 1),
+        MakeEvent(EventKind::MouseUp, 800, 600, 3),
+        MakeSwitch(EventKind::MouseWheel, true),
+        MakeSwitch(EventKind::MouseWheel, false),
+        MakeDrop("Levels/A (1).lvl", 400, 300),
+        MakeDrop(nullptr, 1, 2),
+        MakeEvent(EventKind::Minimize),
     });
     EXPECT_EQ(printed, "Activate\tfalse\n"
                        "KeyDown\t1\t160\n"
@@ -119,7 +95,7 @@ TEST_F(InputEvents, ScriptsReceiveEachKindWithItsArguments)
     EXPECT_EQ(log.Messages("Input", LogLevel::Error),
               std::vector<std::string>{"File Drag-Drop event has no filename!"});
     // The game acts on a frame's events before scripts see any, so a new size moves this frame's points.
-    EXPECT_EQ(Deliver({Event(EventKind::SizeChanged, 1200, 600), Event(EventKind::MouseMove, 0, 0)}),
+    EXPECT_EQ(Deliver({MakeEvent(EventKind::SizeChanged, 1200, 600), MakeEvent(EventKind::MouseMove, 0, 0)}),
               "SizeChanged\t1200\t600\tinteger\nMouseMove\t-20.0\t10.0\t0.0\t0.0\n");
     EXPECT_EQ(lua_gettop(L()), top);
     EXPECT_TRUE(Errors().empty());
@@ -134,7 +110,7 @@ TEST_F(InputEvents, EverySpaceSeesEveryEventButAPausedSpaceMissesThemForGood)
     Attach("Child.lua", &child);
     Frame(1.0 / 60.0);
 
-    EXPECT_EQ(Deliver({Event(EventKind::KeyDown, 'A'), Event(EventKind::KeyDown, 'B')}),
+    EXPECT_EQ(Deliver({MakeEvent(EventKind::KeyDown, 'A'), MakeEvent(EventKind::KeyDown, 'B')}),
               "child\tA\nchild\tB\nroot\tA\nroot\tB\n");
     child.paused = true;
     EXPECT_EQ(Press('C'), "root\tC\n");
@@ -151,22 +127,22 @@ TEST_F(InputEvents, ACloseHandlerInARunningSpaceKeepsTheGameGoing)
     Frame(1.0 / 60.0);
     game.SetPaused(true);
 
-    EXPECT_EQ(Deliver({Event(EventKind::Close)}), "close\n");
+    EXPECT_EQ(Deliver({MakeEvent(EventKind::Close)}), "close\n");
     EXPECT_FALSE(game.input.closeRequested) << "the handler answered, even though it then failed";
     EXPECT_FALSE(game.paused);
     EXPECT_EQ(ErrorHeads().size(), 1u);
 
     child.paused = true;
-    EXPECT_EQ(Deliver({Event(EventKind::Close)}), "");
+    EXPECT_EQ(Deliver({MakeEvent(EventKind::Close)}), "");
     EXPECT_TRUE(game.input.closeRequested) << "only paused spaces listen, so nobody answered";
 }
 
 TEST_F(InputEvents, WithoutACloseHandlerTheCloseIsRequested)
 {
-    Deliver({Event(EventKind::Close)});
+    Deliver({MakeEvent(EventKind::Close)});
     EXPECT_TRUE(game.input.closeRequested);
     EXPECT_TRUE(game.running) << "the loop ends the game only after the frame's update";
-    Deliver({Event(EventKind::Quit)});
+    Deliver({MakeEvent(EventKind::Quit)});
     EXPECT_FALSE(game.running);
 }
 
@@ -177,17 +153,17 @@ TEST_F(InputEvents, PauseTogglesAndOtherInputEndsAPause)
         Deliver(events);
         return game.paused;
     };
-    EXPECT_TRUE(pausedAfter({Event(EventKind::KeyDown, kPause)}));
-    EXPECT_FALSE(pausedAfter({Event(EventKind::KeyDown, kPause)}));
-    EXPECT_TRUE(pausedAfter({Event(EventKind::KeyDown, kPause)}));
-    EXPECT_TRUE(pausedAfter({Event(EventKind::MouseUp, 1, 1, 1), Event(EventKind::KeyUp, 'A')}));
-    EXPECT_FALSE(pausedAfter({Event(EventKind::MouseDown, 1, 1, 1)}));
-    EXPECT_TRUE(pausedAfter({Event(EventKind::Minimize)}));
-    EXPECT_FALSE(pausedAfter({Event(EventKind::KeyDown, 'A')}));
-    EXPECT_TRUE(pausedAfter({StateEvent(EventKind::Activate, false)}));
-    EXPECT_FALSE(pausedAfter({StateEvent(EventKind::Activate, true)}));
-    EXPECT_TRUE(pausedAfter({Event(EventKind::KeyDown, kPause)}));
-    EXPECT_FALSE(pausedAfter({Event(EventKind::KeyDown, kF11)})) << "F11 also ends a pause";
+    EXPECT_TRUE(pausedAfter({MakeEvent(EventKind::KeyDown, kPause)}));
+    EXPECT_FALSE(pausedAfter({MakeEvent(EventKind::KeyDown, kPause)}));
+    EXPECT_TRUE(pausedAfter({MakeEvent(EventKind::KeyDown, kPause)}));
+    EXPECT_TRUE(pausedAfter({MakeEvent(EventKind::MouseUp, 1, 1, 1), MakeEvent(EventKind::KeyUp, 'A')}));
+    EXPECT_FALSE(pausedAfter({MakeEvent(EventKind::MouseDown, 1, 1, 1)}));
+    EXPECT_TRUE(pausedAfter({MakeEvent(EventKind::Minimize)}));
+    EXPECT_FALSE(pausedAfter({MakeEvent(EventKind::KeyDown, 'A')}));
+    EXPECT_TRUE(pausedAfter({MakeSwitch(EventKind::Activate, false)}));
+    EXPECT_FALSE(pausedAfter({MakeSwitch(EventKind::Activate, true)}));
+    EXPECT_TRUE(pausedAfter({MakeEvent(EventKind::KeyDown, kPause)}));
+    EXPECT_FALSE(pausedAfter({MakeEvent(EventKind::KeyDown, kF11)})) << "F11 also ends a pause";
     EXPECT_EQ(log.Messages("Core", LogLevel::Debug),
               (std::vector<std::string>{"pausing game", "Unpausing game", "pausing game", "Unpausing game",
                                         "pausing game", "Unpausing game", "pausing game", "Unpausing game",
@@ -225,10 +201,10 @@ TEST_F(InputEvents, DebugKeysActOnlyWhenEnabled)
 
 TEST_F(InputEvents, ASizeChangeReachesTheCameraAndAZeroSideIsIgnored)
 {
-    Deliver({Event(EventKind::SizeChanged, 1000, 500)});
+    Deliver({MakeEvent(EventKind::SizeChanged, 1000, 500)});
     EXPECT_EQ(game.graphics.screenWidth, 1000u);
     EXPECT_EQ(game.graphics.aspect, 0.5f);
-    Deliver({Event(EventKind::SizeChanged, 0, 0), Event(EventKind::SizeChanged, -5, 300)});
+    Deliver({MakeEvent(EventKind::SizeChanged, 0, 0), MakeEvent(EventKind::SizeChanged, -5, 300)});
     EXPECT_EQ(game.graphics.screenWidth, 1000u);
     EXPECT_EQ(game.graphics.screenHeight, 500u);
 }

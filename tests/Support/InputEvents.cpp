@@ -21,11 +21,11 @@ InputEvent MakeSwitch(EventKind kind, bool state)
     return event;
 }
 
-InputEvent MakeDrop(const char* path)
+InputEvent MakeDrop(const char* path, int32_t x, int32_t y)
 {
     InputEvent event;
     event.type = EventKind::FileDropped;
-    event.drop = {path != nullptr ? Input::CopyPath(path, std::strlen(path)) : nullptr, 0, 0};
+    event.drop = {path != nullptr ? Input::CopyPath(path, std::strlen(path)) : nullptr, x, y};
     return event;
 }
 

@@ -13,8 +13,8 @@
 
 Input::InputEvent MakeEvent(Input::EventKind kind, int32_t x = 0, int32_t y = 0, int32_t button = 0);
 Input::InputEvent MakeSwitch(Input::EventKind kind, bool state);
-// A "FileDropped" with a heap copy of the path, or with no path for null.
-Input::InputEvent MakeDrop(const char* path);
+// A "FileDropped" with a heap copy of the path, or with no path for null, let go at the window point.
+Input::InputEvent MakeDrop(const char* path, int32_t x = 0, int32_t y = 0);
 
 // "KeyDown 65,0,0", "Activate false", "FileDropped Levels/A.lvl", "FileDropped (null)", "None".
 std::string Describe(const Input::InputEvent& event);

@@ -56,3 +56,6 @@ std::vector<std::string> PrintedLines(const std::string& text);
 // The lines of a log that end with "] [category] [level]: message", in order, message only.
 std::vector<std::string> LogMessages(const std::string& text, const std::string& category,
                                      const std::string& level);
+
+// The whole content of a file; empty if it can't be read.
+std::string ReadFile(const std::filesystem::path& path);

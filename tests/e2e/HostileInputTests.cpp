@@ -15,14 +15,6 @@ namespace
 
 namespace fs = std::filesystem;
 
-std::string ReadFile(const fs::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
-
 std::string RandomBytes(size_t count)
 {
     std::mt19937 random(7);
