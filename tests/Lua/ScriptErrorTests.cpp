@@ -14,7 +14,7 @@ TEST_F(ScriptErrors, FilesThatCannotLoadAreLoggedAndAnEmptyFileIsAScript)
     data.MakeFolder("folder.lua");
     const GameObjectHandle object = Attach("empty.lua");
     EXPECT_EQ(ScriptOf(object).source, "empty.lua");
-    EXPECT_EQ(ScriptOf(object).coroutines.size(), 1u);
+    EXPECT_EQ(ScriptOf(object).coroutineCount, 1u);
     EXPECT_FALSE(ScriptOf(object).SetScript(L(), "missing.lua"));
     EXPECT_FALSE(ScriptOf(object).SetScript(L(), "bad.lua"));
     EXPECT_FALSE(ScriptOf(object).SetScript(L(), "folder.lua"));
@@ -119,7 +119,7 @@ TEST_F(ScriptErrors, AScriptThatReplacesItselfEndsOnceAndTheNewOneRunsInTheSameP
     EXPECT_EQ(Frame(0.1), "a\na goes on\nb\n");
     EXPECT_EQ(Frame(0.1), "b again\n");
     EXPECT_EQ(ScriptOf(object).source, "b.lua");
-    EXPECT_TRUE(ScriptOf(object).coroutines.empty());
+    EXPECT_EQ(ScriptOf(object).coroutineCount, 0u);
     EXPECT_TRUE(Errors().empty());
     // A reference given up twice would hand out one registry slot to two owners.
     EXPECT_EQ(Run("local seen = {} for i = 1, 50 do local r = {} seen[r] = true end"), "");
