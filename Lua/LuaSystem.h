@@ -66,6 +66,8 @@ private:
     size_t liveBytes = 0;
     uint32_t lastSpaceSerial = 0;
     std::unordered_map<const Space*, uint32_t> spaceSerials;
+    mutable const Space* lastLiveSpace = nullptr;
+    mutable uint32_t lastLiveSerial = 0;
     std::unordered_map<const Space*, ScriptSchedule> schedules;
     std::unordered_set<std::string> names;
 };
