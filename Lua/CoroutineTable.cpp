@@ -6,6 +6,12 @@
 
 namespace Lua
 {
+namespace
+{
+
+constexpr uint32_t kNone = Components::ScriptComponent::kNoCoroutine;
+
+} // namespace
 
 Handle CoroutineTable::Add(Components::ScriptComponent& owner, Handle ownerHandle, int32_t thread,
                            const char* profileName)

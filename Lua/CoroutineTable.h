@@ -34,6 +34,7 @@ struct CoroutineRecord
     // Registry reference to the Lua thread; it is what keeps the thread alive.
     int32_t thread = 0;
     uint32_t generation = 1;
+    // Neighbours in the component's list; ScriptComponent::kNoCoroutine at its ends.
     uint32_t previous = 0;
     uint32_t next = 0;
     // Filed in a sleeping cohort; a record that ends while asleep leaves a stale entry there.
@@ -43,8 +44,6 @@ struct CoroutineRecord
 class CoroutineTable
 {
 public:
-    static constexpr uint32_t kNone = 0xFFFFFFFFu;
-
     // A new record at the end of the owner's list, owning the thread reference.
     Handle Add(Components::ScriptComponent& owner, Handle ownerHandle, int32_t thread,
                const char* profileName);
