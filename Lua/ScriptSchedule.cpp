@@ -130,7 +130,8 @@ void ScriptSchedule::Run(lua_State* L, Space& space, double dt, double spaceTime
             block.emplace(record->profileName);
             blockName = record->profileName;
         }
-        PrefetchThread(L, cursor + kPrefetchDistance);
+        // The cursor already stands on the entry after this one.
+        PrefetchThread(L, cursor - 1 + kPrefetchDistance);
         RunOne(L, space, current.coroutine, current.elapsed, spaceTime, absoluteTime);
         AdmitStarted(space, current, dt);
     }
@@ -356,10 +357,15 @@ void ScriptSchedule::PrefetchThread(lua_State* L, size_t position)
         return;
     }
     lua_rawgeti(L, LUA_REGISTRYINDEX, record->thread);
-    const char* thread = static_cast<const char*>(lua_topointer(L, -1));
+    // Null when a script has put something else in the registry: RunOne reports that in its turn.
+    const lua_State* thread = lua_tothread(L, -1);
     lua_pop(L, 1);
+    if (thread == nullptr)
+    {
+        return;
+    }
     __builtin_prefetch(thread);
-    __builtin_prefetch(thread + 64);
+    __builtin_prefetch(reinterpret_cast<const char*>(thread) + 64);
 }
 
 void ScriptSchedule::FallAsleep(Handle coroutine, double waitTime)

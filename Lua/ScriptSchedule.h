@@ -99,7 +99,7 @@ private:
 
     // Entries ahead of the running one whose thread is prefetched: far enough for the miss to finish during
     // a short run, near enough not to be evicted again. Measured on the ScriptWake benchmark.
-    static constexpr size_t kPrefetchDistance = 2;
+    static constexpr size_t kPrefetchDistance = 3;
     CoroutineTable coroutines;
     std::vector<Cohort> cohorts;
     std::vector<Sleeper> fallingAsleep;

@@ -139,6 +139,21 @@ TEST_F(ScriptErrors, TamperingWithTheRegistryIsSurvived)
     EXPECT_EQ(Frame(0.1), "");
     EXPECT_EQ(Frame(0.1), "");
     EXPECT_EQ(ErrorHeads(), std::vector<std::string>{"Coroutine had an invalid thread type"});
+    // A thread taken from the registry several places ahead of the running coroutine, which the pass looks
+    // at before that coroutine's turn.
+    Write("wiper.lua",
+          "wait() for k, v in pairs(__registry) do if v == _G.victim then __registry[k] = 42 end end\n");
+    Write("bystander.lua", "while true do wait() end\n");
+    Write("victim.lua", "_G.victim = coroutine.running() wait() print('never')\n");
+    Attach("wiper.lua");
+    for (int index = 0; index < 5; ++index)
+    {
+        Attach("bystander.lua");
+    }
+    Attach("victim.lua");
+    EXPECT_EQ(Frame(0.1), "");
+    EXPECT_EQ(Frame(0.1), "");
+    EXPECT_EQ(ErrorHeads(), std::vector<std::string>(2, "Coroutine had an invalid thread type"));
     Attach("meta.lua");
     EXPECT_TRUE(Frame(0.1).starts_with("Script: "));
     Write("probe.lua", "print(Script)\n");
