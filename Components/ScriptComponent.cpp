@@ -65,7 +65,7 @@ void Unref(lua_State* L, int32_t& ref)
 
 ScriptComponent::~ScriptComponent()
 {
-    if (!coroutines.empty() || environment != 0 || variables != 0)
+    if (coroutineCount != 0 || environment != 0 || variables != 0)
     {
         Logger::Log("LuaSystem", LogLevel::Error, "Script component was not cleaned up!");
     }
@@ -89,7 +89,9 @@ void ScriptComponent::TakeFrom(ScriptComponent& other) noexcept
 {
     owner = other.owner;
     destroyed = other.destroyed;
-    coroutines = std::exchange(other.coroutines, {});
+    firstCoroutine = std::exchange(other.firstCoroutine, kNoCoroutine);
+    lastCoroutine = std::exchange(other.lastCoroutine, kNoCoroutine);
+    coroutineCount = std::exchange(other.coroutineCount, 0);
     source = std::exchange(other.source, {});
     profileName = other.profileName;
     environment = std::exchange(other.environment, 0);
@@ -107,7 +109,7 @@ bool ScriptComponent::SetScript(lua_State* L, const char* fileName)
 {
     const int top = lua_gettop(L);
     Lua::EnsureStack(L, 24);
-    if (!coroutines.empty() || environment != 0)
+    if (coroutineCount != 0 || environment != 0)
     {
         Logger::Log("LuaSystem", LogLevel::Warning, "Replacing existing script component");
         Cleanup(L);
@@ -118,10 +120,11 @@ bool ScriptComponent::SetScript(lua_State* L, const char* fileName)
         lua_settop(L, top);
         return false;
     }
+    // Named before the start, since the new coroutine keeps the name that its runs are profiled under.
+    profileName = Lua::LuaSystem::Of(L).InternName(fileName);
     const bool started = StartCoroutine(L, 0);
     lua_settop(L, top);
     source = fileName;
-    profileName = Lua::LuaSystem::Of(L).InternName(source);
     return started;
 }
 
@@ -160,10 +163,7 @@ bool ScriptComponent::StartCoroutine(lua_State* L, int argumentCount)
         luaL_error(L, "stack overflow");
     }
     lua_xmove(L, thread, argumentCount + 1);
-    Lua::LuaSystem& system = Lua::LuaSystem::Of(L);
-    const uint64_t id = system.NextCoroutineId();
-    coroutines.push_back(Coroutine{ref, id});
-    system.ScheduleOf(*owner.space).AddNew(OwnHandle(), id);
+    Lua::LuaSystem::Of(L).ScheduleOf(*owner.space).Start(*this, OwnHandle(), ref, profileName);
     return true;
 }
 
@@ -206,38 +206,13 @@ void ScriptComponent::SetPriority(lua_State* L, int64_t value)
 
 void ScriptComponent::Cleanup(lua_State* L)
 {
-    for (Coroutine& coroutine : coroutines)
+    if (coroutineCount != 0)
     {
-        Unref(L, coroutine.thread);
+        Lua::LuaSystem::Of(L).ScheduleOf(*owner.space).EndAll(L, *this);
     }
     Unref(L, environment);
     Unref(L, variables);
-    coroutines.clear();
     source.clear();
-}
-
-Coroutine* ScriptComponent::FindCoroutine(uint64_t id)
-{
-    auto found =
-        std::lower_bound(coroutines.begin(), coroutines.end(), id,
-                         [](const Coroutine& coroutine, uint64_t key) { return coroutine.id < key; });
-    if (found == coroutines.end() || found->id != id)
-    {
-        return nullptr;
-    }
-    return &*found;
-}
-
-bool ScriptComponent::EndCoroutine(lua_State* L, uint64_t id)
-{
-    Coroutine* coroutine = FindCoroutine(id);
-    if (coroutine == nullptr)
-    {
-        return false;
-    }
-    Unref(L, coroutine->thread);
-    coroutines.erase(coroutines.begin() + (coroutine - coroutines.data()));
-    return true;
 }
 
 } // namespace Components

@@ -185,15 +185,31 @@ uint32_t LuaSystem::SpaceSerial(const Space* space)
     return entry->second;
 }
 
+// Every handle a script uses is checked here, mostly handles of one Space in a row, so the last live answer
+// is remembered. ForgetSpace clears it before the address can come back with another serial.
 bool LuaSystem::IsLiveSpace(const Space* space, uint32_t serial) const
 {
+    if (space == lastLiveSpace && serial == lastLiveSerial)
+    {
+        return true;
+    }
     auto entry = spaceSerials.find(space);
-    return entry != spaceSerials.end() && entry->second == serial;
+    if (entry == spaceSerials.end() || entry->second != serial)
+    {
+        return false;
+    }
+    lastLiveSpace = space;
+    lastLiveSerial = serial;
+    return true;
 }
 
 void LuaSystem::ForgetSpace(Space& space)
 {
     spaceSerials.erase(&space);
+    if (lastLiveSpace == &space)
+    {
+        lastLiveSpace = nullptr;
+    }
     schedules.erase(&space);
     if (state != nullptr)
     {
@@ -214,6 +230,7 @@ void LuaSystem::Shutdown()
         state = nullptr;
     }
     spaceSerials.clear();
+    lastLiveSpace = nullptr;
     schedules.clear();
 }
 

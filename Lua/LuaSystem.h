@@ -53,7 +53,6 @@ public:
 
     // The script schedule of the Space, made on first use.
     ScriptSchedule& ScheduleOf(const Space& space) { return schedules[&space]; }
-    uint64_t NextCoroutineId() { return ++lastCoroutineId; }
     // A copy of the name that lives as long as the system: profile records keep only the pointer, and a
     // script's source can be replaced or swept before the overlay reads them.
     const char* InternName(const std::string& name);
@@ -66,8 +65,9 @@ private:
 
     size_t liveBytes = 0;
     uint32_t lastSpaceSerial = 0;
-    uint64_t lastCoroutineId = 0;
     std::unordered_map<const Space*, uint32_t> spaceSerials;
+    mutable const Space* lastLiveSpace = nullptr;
+    mutable uint32_t lastLiveSerial = 0;
     std::unordered_map<const Space*, ScriptSchedule> schedules;
     std::unordered_set<std::string> names;
 };

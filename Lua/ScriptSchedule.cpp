@@ -6,6 +6,7 @@
 #include "Lua/Wait.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <lua.hpp>
 #include <optional>
@@ -19,7 +20,7 @@ namespace
 template <typename T>
 bool RunsBefore(const T& a, const T& b)
 {
-    return a.position != b.position ? a.position < b.position : a.id < b.id;
+    return a.position != b.position ? a.position < b.position : a.serial < b.serial;
 }
 
 // Greater-than for std::push_heap, so that the heap's front is the entry that runs first.
@@ -87,14 +88,20 @@ void LogBadThreadIndex(int32_t ref)
                 "Coroutine had an invalid thread index: " + std::to_string(ref));
 }
 
-// The dense position of the component, or false if it has gone.
-bool PositionOf(Space& space, Handle component, uint32_t& position)
+// The dense position of the component, or false if it has gone. Reads the slot table only.
+bool PositionOf(const Space& space, Handle component, uint32_t& position)
 {
-    if (space.scripts.components.Find(component) == nullptr)
+    const Slotmap<Components::ScriptComponent>& scripts = space.scripts.components;
+    if (component.slot >= scripts.Slots().size())
     {
         return false;
     }
-    position = space.scripts.components.Slots()[component.slot].index;
+    const auto& slot = scripts.Slots()[component.slot];
+    if (slot.index >= scripts.size() || slot.generation != component.generation)
+    {
+        return false;
+    }
+    position = slot.index;
     return true;
 }
 
@@ -105,24 +112,27 @@ void ScriptSchedule::Run(lua_State* L, Space& space, double dt, double spaceTime
     SortIfNeeded(space);
     CollectDue(space, dt);
     std::optional<Debug::ProfileBlock> block;
-    Handle blockComponent;
+    const char* blockName = nullptr;
     size_t cursor = 0;
     Due current;
     while (NextDue(cursor, current))
     {
-        Components::ScriptComponent* script = space.scripts.components.Find(current.component);
-        if (script == nullptr)
+        const CoroutineRecord* record = coroutines.Find(current.coroutine);
+        if (record == nullptr)
         {
             continue;
         }
-        // One block for each run of entries of one component; sleepers open none.
-        if (!block || !(blockComponent == current.component))
+        // One block for each run of entries under one name, since blocks of a name sum into one record
+        // anyway; names are interned, so equal names are equal pointers. Sleepers open none.
+        if (record->profileName != blockName)
         {
             block.reset();
-            block.emplace(script->profileName);
-            blockComponent = current.component;
+            block.emplace(record->profileName);
+            blockName = record->profileName;
         }
-        RunOne(L, space, current, spaceTime, absoluteTime);
+        // The cursor already stands on the entry after this one.
+        PrefetchThread(L, cursor - 1 + kPrefetchDistance);
+        RunOne(L, space, current.coroutine, current.elapsed, spaceTime, absoluteTime);
         AdmitStarted(space, current, dt);
     }
     block.reset();
@@ -130,6 +140,7 @@ void ScriptSchedule::Run(lua_State* L, Space& space, double dt, double spaceTime
     fresh.swap(deferred);
     deferred.clear();
     CloseCohort();
+    DropStaleSleepers();
 }
 
 // A stable insertion sort, higher priority first: nearly free on the array that was sorted last time, and
@@ -156,14 +167,14 @@ void ScriptSchedule::CollectDue(Space& space, double dt)
 {
     WakeCohorts(space, dt);
     // A new coroutine and a NaN sleeper both count this Update's dt from 0.0.
-    for (const Entry& entry : wakeNext)
+    for (const Handle coroutine : wakeNext)
     {
-        AddDue(space, entry.component, entry.id, 0.0 + dt);
+        AddDue(space, coroutine, 0.0 + dt);
     }
     wakeNext.clear();
-    for (const Entry& entry : fresh)
+    for (const Handle coroutine : fresh)
     {
-        AddDue(space, entry.component, entry.id, 0.0 + dt);
+        AddDue(space, coroutine, 0.0 + dt);
     }
     fresh.clear();
     // Entries come in run order when nothing was sorted since they slept, which is the common case.
@@ -181,9 +192,17 @@ void ScriptSchedule::WakeCohorts(Space& space, double dt)
         while (cohort.woken < cohort.sleepers.size() &&
                !(cohort.sleepers[cohort.woken].waitTime > cohort.elapsed))
         {
-            const Sleeper& sleeper = cohort.sleepers[cohort.woken];
-            AddDue(space, sleeper.component, sleeper.id, cohort.elapsed);
+            const Handle coroutine = cohort.sleepers[cohort.woken].coroutine;
             ++cohort.woken;
+            --sleeperEntries;
+            CoroutineRecord* record = coroutines.Find(coroutine);
+            if (record == nullptr)
+            {
+                --staleSleepers;
+                continue;
+            }
+            record->asleep = false;
+            AddDue(space, coroutine, cohort.elapsed);
         }
     }
     auto emptied =
@@ -197,24 +216,27 @@ void ScriptSchedule::WakeCohorts(Space& space, double dt)
     cohorts.erase(emptied, cohorts.end());
 }
 
-void ScriptSchedule::AddDue(Space& space, Handle component, uint64_t id, double elapsed)
+void ScriptSchedule::AddDue(Space& space, Handle coroutine, double elapsed)
 {
+    const CoroutineRecord* record = coroutines.Find(coroutine);
     uint32_t position = 0;
-    if (PositionOf(space, component, position))
+    if (record != nullptr && PositionOf(space, record->component, position))
     {
-        due.push_back(Due{position, id, component, elapsed});
+        due.push_back(Due{position, coroutine, record->serial, elapsed});
     }
 }
 
 void ScriptSchedule::AdmitStarted(Space& space, const Due& current, double dt)
 {
-    for (const Entry& entry : fresh)
+    for (const Handle coroutine : fresh)
     {
-        Due candidate{0, entry.id, entry.component, 0.0 + dt};
-        if (!PositionOf(space, entry.component, candidate.position))
+        const CoroutineRecord* record = coroutines.Find(coroutine);
+        Due candidate{0, coroutine, 0, 0.0 + dt};
+        if (record == nullptr || !PositionOf(space, record->component, candidate.position))
         {
             continue;
         }
+        candidate.serial = record->serial;
         if (RunsBefore(current, candidate))
         {
             started.push_back(candidate);
@@ -222,7 +244,7 @@ void ScriptSchedule::AdmitStarted(Space& space, const Due& current, double dt)
         }
         else
         {
-            deferred.push_back(entry);
+            deferred.push_back(coroutine);
         }
     }
     fresh.clear();
@@ -247,22 +269,16 @@ bool ScriptSchedule::NextDue(size_t& cursor, Due& next)
 }
 
 // The thread stays on the main stack while it runs: if its component gives up the reference in the middle
-// of the run (a new source, a cleanup), nothing collects it under our feet. Afterwards the entry is found
-// again by id, since the run may have grown or emptied the arrays.
-void ScriptSchedule::RunOne(lua_State* L, Space& space, const Due& entry, double spaceTime,
+// of the run (a new source, a cleanup), nothing collects it under our feet. Afterwards the record is found
+// again by handle, since the run may have grown the table or ended the coroutine.
+void ScriptSchedule::RunOne(lua_State* L, Space& space, Handle coroutine, double elapsed, double spaceTime,
                             double absoluteTime)
 {
-    Components::ScriptComponent* script = space.scripts.components.Find(entry.component);
-    const Components::Coroutine* coroutine = script->FindCoroutine(entry.id);
-    if (coroutine == nullptr)
-    {
-        return;
-    }
-    const int32_t ref = coroutine->thread;
+    const int32_t ref = coroutines.Find(coroutine)->thread;
     if (ref <= 0)
     {
         LogBadThreadIndex(ref);
-        script->EndCoroutine(L, entry.id);
+        End(L, space, coroutine);
         return;
     }
     const int top = lua_gettop(L);
@@ -272,13 +288,13 @@ void ScriptSchedule::RunOne(lua_State* L, Space& space, const Due& entry, double
     {
         Logger::Log("LuaSystem", LogLevel::Error, "Coroutine had an invalid thread type");
         lua_settop(L, top);
-        script->EndCoroutine(L, entry.id);
+        End(L, space, coroutine);
         return;
     }
     int arguments = lua_gettop(thread) - 1;
     if (lua_status(thread) == LUA_YIELD)
     {
-        lua_pushnumber(thread, entry.elapsed);
+        lua_pushnumber(thread, elapsed);
         lua_pushnumber(thread, spaceTime);
         lua_pushnumber(thread, absoluteTime);
         arguments = 3;
@@ -305,28 +321,62 @@ void ScriptSchedule::RunOne(lua_State* L, Space& space, const Due& entry, double
         Logger::Log("LuaSystem", LogLevel::Error, "Running coroutine did not preserve the lua stack");
     }
     lua_settop(L, top);
-    // A coroutine whose component dropped it during the run has no entry left to file or to end.
-    Components::ScriptComponent* after = space.scripts.components.Find(entry.component);
-    if (after == nullptr || after->FindCoroutine(entry.id) == nullptr)
+    // A coroutine whose component dropped it during the run has no record left to file or to end.
+    if (coroutines.Find(coroutine) == nullptr)
     {
         return;
     }
     if (lives)
     {
-        FallAsleep(entry, waitTime);
+        FallAsleep(coroutine, waitTime);
         return;
     }
-    after->EndCoroutine(L, entry.id);
+    End(L, space, coroutine);
 }
 
-void ScriptSchedule::FallAsleep(const Due& entry, double waitTime)
+// A live record's component is alive too: a component ends its coroutines in Cleanup, before any sweep.
+void ScriptSchedule::End(lua_State* L, Space& space, Handle coroutine)
+{
+    Components::ScriptComponent* owner = space.scripts.components.Find(coroutines.Find(coroutine)->component);
+    assert(owner != nullptr);
+    staleSleepers += coroutines.End(L, *owner, coroutine) ? 1 : 0;
+}
+
+// With thousands of coroutines, each thread has left the cache since its last run, and the resume stalls on
+// it first. Asking for the thread of an entry a little ahead lets that miss overlap with the run in between.
+// The pointer is only prefetched, never read, so a thread that goes before its turn costs nothing.
+void ScriptSchedule::PrefetchThread(lua_State* L, size_t position)
+{
+    if (position >= due.size())
+    {
+        return;
+    }
+    const CoroutineRecord* record = coroutines.Find(due[position].coroutine);
+    if (record == nullptr || record->thread <= 0)
+    {
+        return;
+    }
+    lua_rawgeti(L, LUA_REGISTRYINDEX, record->thread);
+    // Null when a script has put something else in the registry: RunOne reports that in its turn.
+    const lua_State* thread = lua_tothread(L, -1);
+    lua_pop(L, 1);
+    if (thread == nullptr)
+    {
+        return;
+    }
+    __builtin_prefetch(thread);
+    __builtin_prefetch(reinterpret_cast<const char*>(thread) + 64);
+}
+
+void ScriptSchedule::FallAsleep(Handle coroutine, double waitTime)
 {
     if (std::isnan(waitTime))
     {
-        wakeNext.push_back(Entry{entry.component, entry.id});
+        wakeNext.push_back(coroutine);
         return;
     }
-    fallingAsleep.push_back(Sleeper{waitTime, entry.component, entry.id});
+    coroutines.Find(coroutine)->asleep = true;
+    fallingAsleep.push_back(Sleeper{waitTime, coroutine});
 }
 
 void ScriptSchedule::CloseCohort()
@@ -341,6 +391,7 @@ void ScriptSchedule::CloseCohort()
     {
         std::stable_sort(fallingAsleep.begin(), fallingAsleep.end(), byWaitTime);
     }
+    sleeperEntries += fallingAsleep.size();
     cohorts.push_back(Cohort{0.0, std::move(fallingAsleep), 0});
     fallingAsleep.clear();
     if (!spareCohorts.empty())
@@ -348,6 +399,34 @@ void ScriptSchedule::CloseCohort()
         fallingAsleep = std::move(spareCohorts.back());
         spareCohorts.pop_back();
     }
+}
+
+// Compacting costs a walk over every entry, so it waits until the stale ones are the majority: each stale
+// entry then pays for at most two others, and the cohorts never hold more than twice the live sleepers.
+void ScriptSchedule::DropStaleSleepers()
+{
+    if (staleSleepers * 2 <= sleeperEntries)
+    {
+        return;
+    }
+    auto isStale = [this](const Sleeper& sleeper) { return coroutines.Find(sleeper.coroutine) == nullptr; };
+    for (Cohort& cohort : cohorts)
+    {
+        std::vector<Sleeper>& sleepers = cohort.sleepers;
+        sleepers.erase(sleepers.begin(), sleepers.begin() + static_cast<std::ptrdiff_t>(cohort.woken));
+        cohort.woken = 0;
+        // remove_if keeps the order, and with it the order of equal wait times.
+        sleepers.erase(std::remove_if(sleepers.begin(), sleepers.end(), isStale), sleepers.end());
+    }
+    auto emptied = std::remove_if(cohorts.begin(), cohorts.end(),
+                                  [](const Cohort& cohort) { return cohort.sleepers.empty(); });
+    for (auto cohort = emptied; cohort != cohorts.end(); ++cohort)
+    {
+        spareCohorts.push_back(std::move(cohort->sleepers));
+    }
+    cohorts.erase(emptied, cohorts.end());
+    sleeperEntries -= staleSleepers;
+    staleSleepers = 0;
 }
 
 } // namespace Lua

@@ -67,12 +67,11 @@ bool ReadZ(lua_State* L, int32_t& z)
 
 int SetPosition(lua_State* L)
 {
-    CheckTransform(L);
+    TransformComponent& transform = CheckTransform(L);
     const Vec2 position{static_cast<float>(luaL_checknumber(L, 2)),
                         static_cast<float>(luaL_checknumber(L, 3))};
     int32_t z = 0;
     const bool hasZ = ReadZ(L, z);
-    TransformComponent& transform = CheckTransform(L);
     transform.position = position;
     if (hasZ)
     {
@@ -92,12 +91,11 @@ int GetPosition(lua_State* L)
 
 int SetWorldPosition(lua_State* L)
 {
-    CheckTransform(L);
+    TransformComponent& transform = CheckTransform(L);
     const Vec2 position{static_cast<float>(luaL_checknumber(L, 2)),
                         static_cast<float>(luaL_checknumber(L, 3))};
     int32_t z = 0;
     const bool hasZ = ReadZ(L, z);
-    TransformComponent& transform = CheckTransform(L);
     transform.SetWorldPosition(position);
     if (hasZ)
     {

@@ -76,11 +76,11 @@ void ScriptSleep(benchmark::State& state)
 BENCHMARK(ScriptSleep)->Unit(benchmark::kMillisecond);
 
 // The Lua state's growth per script, as its allocation function counts it, plus the C++ sizes: the
-// component, its coroutine entry and the sleeper entry that files it in its cohort.
+// component, its coroutine record and the sleeper entry that files it in its cohort.
 void BytesPerScript(benchmark::State& state)
 {
     constexpr int kScripts = 10000;
-    constexpr size_t kSleeperEntry = sizeof(double) + sizeof(Handle) + sizeof(uint64_t);
+    constexpr size_t kSleeperEntry = sizeof(double) + sizeof(Handle);
     for (auto _ : state)
     {
         Core::Game probe(nullptr, Core::GameSettings{});
@@ -89,8 +89,7 @@ void BytesPerScript(benchmark::State& state)
         probe.LeaveLoop();
         ScriptWorld world("while true do wait(1) end", kScripts);
         const double lua = static_cast<double>(world.game.lua.LiveBytes() - luaBefore) / kScripts;
-        const double cpp =
-            sizeof(Components::ScriptComponent) + sizeof(Components::Coroutine) + kSleeperEntry;
+        const double cpp = sizeof(Components::ScriptComponent) + sizeof(Lua::CoroutineRecord) + kSleeperEntry;
         state.counters["LuaBytesPerScript"] = lua;
         state.counters["CppBytesPerScript"] = cpp;
         state.counters["BytesPerScript"] = lua + cpp;

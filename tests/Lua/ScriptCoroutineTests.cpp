@@ -140,4 +140,44 @@ TEST_F(Scripts, SpawningIntoAScriptThatAlreadyRanWaitsForTheNextPass)
     EXPECT_TRUE(Errors().empty());
 }
 
+TEST_F(Scripts, AnEndedSleeperIsNeverResumedAndItsEntryGoes)
+{
+    Write("gone.lua", "wait(0.3) print('gone woke')\n");
+    Write("late.lua", "wait(0.85) print('late woke')\n");
+    Write("long.lua", "wait(3600) print('long woke')\n");
+    const GameObjectHandle gone = Attach("gone.lua");
+    EXPECT_EQ(Frame(0.1), "");
+    gone.Get().Destroy();
+    EXPECT_EQ(Frame(0.1), "");
+    // Takes the place that the swept coroutine left, and sleeps far longer.
+    Attach("late.lua");
+    EXPECT_EQ(Frame(0.1), "");
+    EXPECT_EQ(Frame(0.1), "") << "the ended sleeper's turn comes and must wake nobody";
+    EXPECT_EQ(Frame(0.1), "");
+    const Lua::ScriptSchedule& schedule = game.lua.ScheduleOf(game.rootSpace);
+    EXPECT_EQ(schedule.SleeperEntries(), 1u);
+
+    std::vector<GameObjectHandle> sleepers;
+    for (int index = 0; index < 4; ++index)
+    {
+        sleepers.push_back(Attach("long.lua"));
+    }
+    EXPECT_EQ(Frame(0.1), "");
+    EXPECT_EQ(schedule.SleeperEntries(), 5u);
+    for (int index = 0; index < 3; ++index)
+    {
+        sleepers[static_cast<size_t>(index)].Get().Destroy();
+    }
+    EXPECT_EQ(Frame(0.1), "");
+    EXPECT_EQ(Frame(0.1), "");
+    EXPECT_EQ(schedule.SleeperEntries(), 2u) << "stale entries outnumbered live ones and were dropped";
+    for (int frame = 0; frame < 3; ++frame)
+    {
+        EXPECT_EQ(Frame(0.1), "") << frame;
+    }
+    EXPECT_EQ(Frame(0.1), "late woke\n");
+    EXPECT_EQ(schedule.SleeperEntries(), 1u);
+    EXPECT_TRUE(Errors().empty());
+}
+
 } // namespace
