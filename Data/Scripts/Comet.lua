@@ -8,8 +8,7 @@ local frame, lastContact = 0, {}
 GameObject.Collider:ConnectCollision(function(own, other)
     -- `Space` comes first so that the handler's first upvalue is its environment, as handlers need.
     local tally = Space.Director.Script:GetVariables()
-    local name = other.Name
-    if name ~= "Collector" then
+    if other.Name ~= "Collector" then
         if (lastContact[other] or -2) < frame - 1 then
             tally.bounces = tally.bounces + 1
         end
