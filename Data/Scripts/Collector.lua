@@ -1,31 +1,50 @@
--- Flies to the nearest comet and takes it; score is a variable that the score board reads.
+-- Looks around with a fan of rays for the nearest comet in sight, flies to it, and catches every comet it
+-- touches. The score is a variable that the score board reads.
 local transform = GameObject.Transform
--- The score lives in the script's variables, where the score board can read it.
-local variables = Script:GetVariables()
-local function nearest()
+local body = GameObject.RigidBody
+local rays = 32
+
+-- A ray reports every collider along it, nearest first: only a comet in front of everything else is seen,
+-- so the sun and the planet hide what lies behind them. `group` leaves the collector's own collider out.
+local function look()
     local x, y = transform:GetPosition()
-    local best, bestDistance
-    for _, object in ipairs(Space:AllObjectsWithName("Comet")) do
-        local cx, cy = object.Transform:GetPosition()
-        local distance = math.sqrt((cx - x) ^ 2 + (cy - y) ^ 2)
-        if not bestDistance or distance < bestDistance then
-            best, bestDistance = object, distance
+    local seen
+    for i = 1, rays do
+        local angle = i * 2 * math.pi / rays
+        local hit = Physics:Raycast(x, y, sight * math.cos(angle), sight * math.sin(angle), group)
+        if hit and hit.Object.Name == "Comet" and (not seen or hit.Distance < seen.Distance) then
+            seen = hit
         end
     end
-    return best, bestDistance
+    return seen
 end
 
-while true do
-    local dt = wait()
-    local comet, distance = nearest()
-    if comet and distance < 0.3 then
-        comet:Destroy()
+GameObject.Collider:ConnectCollision(function(own, other)
+    -- `Script` is named first so that the handler's first upvalue is its environment, as connecting needs.
+    local variables = Script:GetVariables()
+    if other.Name == "Comet" then
+        other:Destroy()
         variables.score = variables.score + 1
         print(string.format("Collector caught a comet: score %d", variables.score))
-    elseif comet then
+    end
+end)
+
+local spotted = false
+while true do
+    local dt = wait()
+    local comet = look()
+    if comet then
+        if not spotted then
+            spotted = true
+            print(string.format("Collector spots a comet %.1f away", comet.Distance))
+        end
         local x, y = transform:GetPosition()
-        local cx, cy = comet.Transform:GetPosition()
-        local step = math.min(speed * dt, distance)
-        transform:SetPosition(x + (cx - x) / distance * step, y + (cy - y) / distance * step)
+        local cx, cy = comet.Object.Transform:GetPosition()
+        local distance = math.max(math.sqrt((cx - x) ^ 2 + (cy - y) ^ 2), 1e-6)
+        body:SetVelocity((cx - x) / distance * speed, (cy - y) / distance * speed)
+    else
+        -- Nothing in sight: coast to a halt and keep looking.
+        local vx, vy = body:GetVelocity()
+        body:SetVelocity(vx * math.max(0, 1 - 2 * dt), vy * math.max(0, 1 - 2 * dt))
     end
 end

@@ -1,8 +1,10 @@
-// The sample game in the repository's Data folder, played to its end. It runs in a child Space at
-// timescale 8, as the game takes its clock from the Space that loads it, so 20 s of play take 2.5 s.
+// The sample game in the repository's Data folder, played to its end. It runs as the main level, since the
+// collector's rays see only the main Space, with the main Space at timescale 8: the game takes its clock from
+// the Space that loads it, so 20 s of play take 2.5 s.
 
 #include "Harness.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -15,14 +17,46 @@ namespace fs = std::filesystem;
 
 const fs::path kSampleData = fs::path(QUELLMAR_E2E_DATA) / ".." / ".." / ".." / "Data";
 
-size_t CountStartingWith(const std::vector<std::string>& lines, const std::string& prefix)
+// A fresh directory holding a copy of the sample game and a level that starts it fast.
+fs::path MakeGameDirectory()
 {
-    size_t count = 0;
+    std::string directory = (fs::temp_directory_path() / "quellmar-sample-XXXXXX").string();
+    if (mkdtemp(directory.data()) == nullptr)
+    {
+        return {};
+    }
+    fs::copy(kSampleData, fs::path(directory) / "Data", fs::copy_options::recursive);
+    std::ofstream(fs::path(directory) / "Data" / "Levels" / "Fast.lvl")
+        << "MainSpace:SetTimescale(8) MainSpace:LoadLevel('Levels/Start.lvl') return {}\n";
+    return directory;
+}
+
+fs::path SavePath(const fs::path& directory)
+{
+    return directory / "xdg" / "Velmora" / "Quellmar" / "Save.lua";
+}
+
+std::vector<std::string> Play(const fs::path& directory, RunResult& result)
+{
+    RunOptions options;
+    options.directory = directory;
+    options.arguments = {"-level", "Levels/Fast.lvl"};
+    options.timeLimitSeconds = 60.0;
+    result = RunEngine(options);
+    return PrintedLines(result.output);
+}
+
+std::vector<std::string> StartingWith(const std::vector<std::string>& lines, const std::string& prefix)
+{
+    std::vector<std::string> found;
     for (const std::string& line : lines)
     {
-        count += line.starts_with(prefix) ? 1 : 0;
+        if (line.starts_with(prefix))
+        {
+            found.push_back(line);
+        }
     }
-    return count;
+    return found;
 }
 
 size_t CountEndingWith(const std::vector<std::string>& lines, const std::string& suffix)
@@ -35,36 +69,105 @@ size_t CountEndingWith(const std::vector<std::string>& lines, const std::string&
     return count;
 }
 
-TEST(SampleGame, PlaysToItsEndInAFastChildSpace)
+// The number after a prefix in the first line that starts with it; -1 if there is none.
+int NumberAfter(const std::vector<std::string>& lines, const std::string& prefix)
 {
-    std::string directory = (fs::temp_directory_path() / "quellmar-sample-XXXXXX").string();
-    ASSERT_NE(mkdtemp(directory.data()), nullptr);
-    fs::copy(kSampleData, fs::path(directory) / "Data", fs::copy_options::recursive);
-    std::ofstream(fs::path(directory) / "Data" / "Levels" / "Fast.lvl")
-        << "MainSpace:CreateChildSpace('Levels/Start.lvl'):SetTimescale(8) return {}\n";
-    RunOptions options;
-    options.directory = directory;
-    options.arguments = {"-level", "Levels/Fast.lvl"};
-    options.timeLimitSeconds = 60.0;
-    const RunResult result = RunEngine(options);
+    const std::vector<std::string> found = StartingWith(lines, prefix);
+    return found.empty() ? -1 : std::atoi(found.front().c_str() + prefix.size());
+}
+
+TEST(SampleGame, PlaysToItsEndCatchingBouncingComets)
+{
+    const fs::path directory = MakeGameDirectory();
+    ASSERT_FALSE(directory.empty());
+    RunResult result;
+    const std::vector<std::string> printed = Play(directory, result);
     fs::remove_all(directory);
 
     EXPECT_EQ(result.exitCode, 0) << result.errors;
     EXPECT_EQ(result.errors, "");
-    const std::vector<std::string> printed = PrintedLines(result.output);
     ASSERT_FALSE(printed.empty());
     EXPECT_EQ(printed.front(), "Comet Collector: catch the comets before the time runs out");
     // One comet every 1.5 s of game time; a slow machine's long frames can only lose some.
     const size_t comets = CountEndingWith(printed, " appears");
     EXPECT_GE(comets, 10u);
     EXPECT_LE(comets, 14u);
-    EXPECT_EQ(CountStartingWith(printed, "Game paused"), 1u);
-    EXPECT_EQ(CountStartingWith(printed, "Game resumed"), 1u);
-    EXPECT_GE(CountStartingWith(printed, "Score: "), 3u);
-    EXPECT_GE(CountStartingWith(printed, "Collector caught a comet"), 1u);
-    EXPECT_TRUE(printed.back().starts_with("Game over: ")) << printed.back();
-    EXPECT_NE(printed.back().find(" of " + std::to_string(comets) + " comets caught"), std::string::npos)
+    EXPECT_EQ(StartingWith(printed, "Game paused").size(), 1u);
+    EXPECT_EQ(StartingWith(printed, "Game resumed").size(), 1u);
+    EXPECT_GE(StartingWith(printed, "Score: ").size(), 3u);
+
+    // The rays find a comet once there is one, and say so once.
+    const std::vector<std::string> spotted = StartingWith(printed, "Collector spots a comet ");
+    ASSERT_EQ(spotted.size(), 1u);
+    EXPECT_TRUE(spotted.front().ends_with(" away")) << spotted.front();
+    EXPECT_GT(std::find(printed.begin(), printed.end(), spotted.front()),
+              std::find(printed.begin(), printed.end(), "Comet 1 appears"));
+
+    // Contacts are reported in every frame that two colliders overlap, yet each comet is caught once: the
+    // catches count up one by one, never past the comets there were, and the summary agrees with them.
+    const std::vector<std::string> caught = StartingWith(printed, "Collector caught a comet: score ");
+    ASSERT_GE(caught.size(), 1u);
+    EXPECT_LE(caught.size(), comets);
+    for (size_t i = 0; i < caught.size(); ++i)
+    {
+        EXPECT_EQ(caught[i], "Collector caught a comet: score " + std::to_string(i + 1));
+    }
+    // Comets are thrown towards the sun, which stands as an immovable rock in their way.
+    EXPECT_GE(NumberAfter(printed, "Comets bounced "), 1);
+    EXPECT_TRUE(printed.back().starts_with("Game over: " + std::to_string(caught.size()) + " of " +
+                                           std::to_string(comets) + " comets caught, the moon ended at ("))
         << printed.back();
+}
+
+// Two games in one save folder: the first sets the best score, the second compares with it. Seeded save
+// files then take each side of the comparison for certain, whatever the games score.
+TEST(SampleGame, KeepsTheBestScoreInTheSaveFolder)
+{
+    const fs::path directory = MakeGameDirectory();
+    ASSERT_FALSE(directory.empty());
+    RunResult first, second, beaten, unbeaten;
+    const std::vector<std::string> firstPrinted = Play(directory, first);
+    const std::string firstSave = ReadFile(SavePath(directory));
+    const std::vector<std::string> secondPrinted = Play(directory, second);
+    const std::string secondSave = ReadFile(SavePath(directory));
+    std::ofstream(SavePath(directory)) << "return {[\"best\"]=0,[\"other\"]=\"kept\"}\n";
+    const std::vector<std::string> beatenPrinted = Play(directory, beaten);
+    const std::string beatenSave = ReadFile(SavePath(directory));
+    std::ofstream(SavePath(directory)) << "return {[\"best\"]=1000}\n";
+    const std::vector<std::string> unbeatenPrinted = Play(directory, unbeaten);
+    const std::string unbeatenSave = ReadFile(SavePath(directory));
+    fs::remove_all(directory);
+
+    for (const RunResult* result : {&first, &second, &beaten, &unbeaten})
+    {
+        EXPECT_EQ(result->exitCode, 0) << result->errors;
+        EXPECT_EQ(result->errors, "");
+    }
+    const int firstScore = NumberAfter(firstPrinted, "Game over: ");
+    const int secondScore = NumberAfter(secondPrinted, "Game over: ");
+    const int beatenScore = NumberAfter(beatenPrinted, "Game over: ");
+    ASSERT_GE(firstScore, 1);
+    ASSERT_GE(secondScore, 1);
+    ASSERT_GE(beatenScore, 1);
+
+    EXPECT_EQ(StartingWith(firstPrinted, "First best score: "),
+              std::vector<std::string>{"First best score: " + std::to_string(firstScore)});
+    EXPECT_EQ(firstSave, "return {[\"best\"]=" + std::to_string(firstScore) + "}\n");
+
+    const std::string secondExpected = secondScore > firstScore
+                                           ? "New best score: " + std::to_string(secondScore) + ", was " +
+                                                 std::to_string(firstScore)
+                                           : "Best score stays " + std::to_string(firstScore);
+    EXPECT_EQ(secondPrinted.end()[-2], secondExpected);
+    EXPECT_EQ(secondSave,
+              "return {[\"best\"]=" + std::to_string(std::max(firstScore, secondScore)) + "}\n");
+
+    EXPECT_EQ(beatenPrinted.end()[-2], "New best score: " + std::to_string(beatenScore) + ", was 0");
+    EXPECT_NE(beatenSave.find("[\"best\"]=" + std::to_string(beatenScore)), std::string::npos) << beatenSave;
+    EXPECT_NE(beatenSave.find("[\"other\"]=\"kept\""), std::string::npos) << beatenSave;
+
+    EXPECT_EQ(unbeatenPrinted.end()[-2], "Best score stays 1000");
+    EXPECT_EQ(unbeatenSave, "return {[\"best\"]=1000}\n");
 }
 
 } // namespace
