@@ -32,6 +32,7 @@ Handle CoroutineTable::Add(Components::ScriptComponent& owner, Handle ownerHandl
     record.profileName = profileName;
     record.component = ownerHandle;
     record.thread = thread;
+    record.environment = owner.environment;
     record.previous = owner.lastCoroutine;
     record.next = kNone;
     record.asleep = false;

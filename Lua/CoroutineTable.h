@@ -33,6 +33,9 @@ struct CoroutineRecord
     Handle component;
     // Registry reference to the Lua thread; it is what keeps the thread alive.
     int32_t thread = 0;
+    // Registry reference to the owner's environment, which the coroutine runs in: kept here too, so the
+    // schedule can look ahead at it without touching the component.
+    int32_t environment = 0;
     uint32_t generation = 1;
     // Neighbours in the component's list; ScriptComponent::kNoCoroutine at its ends.
     uint32_t previous = 0;

@@ -131,7 +131,7 @@ void ScriptSchedule::Run(lua_State* L, Space& space, double dt, double spaceTime
             blockName = record->profileName;
         }
         // The cursor already stands on the entry after this one.
-        PrefetchCoroutine(L, space, cursor - 1 + kPrefetchDistance);
+        PrefetchCoroutine(L, cursor - 1 + kPrefetchDistance);
         RunOne(L, space, current.coroutine, current.elapsed, spaceTime, absoluteTime);
         AdmitStarted(space, current, dt);
     }
@@ -346,7 +346,7 @@ void ScriptSchedule::End(lua_State* L, Space& space, Handle coroutine)
 // it first; the script's first global, almost always `wait`, then stalls on its environment table. Asking
 // for both of an entry a little ahead lets those misses overlap with the run in between. The pointers are
 // only prefetched, never read, so a thread or environment that goes before its turn costs nothing.
-void ScriptSchedule::PrefetchCoroutine(lua_State* L, Space& space, size_t position)
+void ScriptSchedule::PrefetchCoroutine(lua_State* L, size_t position)
 {
     if (position >= due.size())
     {
@@ -367,10 +367,9 @@ void ScriptSchedule::PrefetchCoroutine(lua_State* L, Space& space, size_t positi
     }
     __builtin_prefetch(thread);
     __builtin_prefetch(reinterpret_cast<const char*>(thread) + 64);
-    const Components::ScriptComponent* owner = space.scripts.components.Find(record->component);
-    if (owner != nullptr && owner->environment > 0)
+    if (record->environment > 0)
     {
-        lua_rawgeti(L, LUA_REGISTRYINDEX, owner->environment);
+        lua_rawgeti(L, LUA_REGISTRYINDEX, record->environment);
         __builtin_prefetch(lua_topointer(L, -1));
         lua_pop(L, 1);
     }

@@ -92,7 +92,7 @@ private:
     void RunOne(lua_State* L, Space& space, Handle coroutine, double elapsed, double spaceTime,
                 double absoluteTime);
     void End(lua_State* L, Space& space, Handle coroutine);
-    void PrefetchCoroutine(lua_State* L, Space& space, size_t position);
+    void PrefetchCoroutine(lua_State* L, size_t position);
     void FallAsleep(Handle coroutine, double waitTime);
     void CloseCohort();
     void DropStaleSleepers();
