@@ -257,28 +257,34 @@ void InputSystem::OpenDemo(const std::string& fileName)
         Logger::Log("Input", LogLevel::Warning, "Tried to open input replay file but replay setting not set");
         return;
     }
-    std::error_code error;
-    // A directory opens as a stream here, yet holds no demo.
-    const bool isDirectory = std::filesystem::is_directory(fileName, error);
-    std::ifstream replay;
-    if (!isDirectory && demoMode == Core::DemoMode::Record)
-    {
-        demoStream.open(fileName, std::ios::out | std::ios::trunc);
-    }
-    else if (!isDirectory)
-    {
-        replay.open(fileName);
-    }
-    if (isDirectory || (demoMode == Core::DemoMode::Record ? !demoStream.is_open() : !replay.is_open()))
+    if (!OpenDemoStream(fileName))
     {
         Logger::Log("Input", LogLevel::Warning, "Failed to open input replay file");
         demoMode = Core::DemoMode::None;
-        return;
     }
-    if (demoMode == Core::DemoMode::Play)
+}
+
+// A recording keeps its stream open for the run; a replay is read whole at once.
+bool InputSystem::OpenDemoStream(const std::string& fileName)
+{
+    std::error_code error;
+    // A directory opens as a stream here, yet holds no demo.
+    if (std::filesystem::is_directory(fileName, error))
     {
-        LoadDemo(replay, demoFrames);
+        return false;
     }
+    if (demoMode == Core::DemoMode::Record)
+    {
+        demoStream.open(fileName, std::ios::out | std::ios::trunc);
+        return demoStream.is_open();
+    }
+    std::ifstream replay(fileName);
+    if (!replay.is_open())
+    {
+        return false;
+    }
+    LoadDemo(replay, demoFrames);
+    return true;
 }
 
 } // namespace Input

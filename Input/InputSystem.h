@@ -64,6 +64,7 @@ public:
     std::deque<DemoFrame> demoFrames;
 
 private:
+    bool OpenDemoStream(const std::string& fileName);
     void Dispatch(const SDL_Event& event);
     void ReplaceWithReplay(uint64_t frame);
     void Act(Core::Game& game, const InputEvent& event);
