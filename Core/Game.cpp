@@ -194,18 +194,7 @@ bool Game::RunFrame()
     RecordFrameTime(dt);
     ++frame;
 
-    if (rootSpace.IsDestroyRequested())
-    {
-        Debug::ProfileBlock block("Destroy Spaces");
-        if (rootSpace.destroyRequested)
-        {
-            rootSpace.Destroy(*this);
-        }
-        else
-        {
-            DestroyFlaggedChildren();
-        }
-    }
+    DestroyRequestedSpaces();
     // The load's own duration is seen by no system: the frame that loads steps by the nominal time.
     if (LoadScheduledLevels())
     {
@@ -216,15 +205,8 @@ bool Game::RunFrame()
     {
         graphics.ClearFrame();
     }
-    if (!settings.multithreaded && settings.pumpMessages)
+    if (!TakeInput())
     {
-        input.Pump(false);
-    }
-    input.TakeFrameEvents();
-    HandleGameEvents();
-    if (!running)
-    {
-        input.DrainFrameEvents();
         return false;
     }
     UpdateSystems(dt, time);
@@ -249,6 +231,41 @@ bool Game::RunFrame()
         std::this_thread::sleep_for(kPausedSleep);
     }
     return true;
+}
+
+void Game::DestroyRequestedSpaces()
+{
+    if (!rootSpace.IsDestroyRequested())
+    {
+        return;
+    }
+    Debug::ProfileBlock block("Destroy Spaces");
+    if (rootSpace.destroyRequested)
+    {
+        rootSpace.Destroy(*this);
+    }
+    else
+    {
+        DestroyFlaggedChildren();
+    }
+}
+
+// The frame's events are exactly those that arrived since the last frame; the game acts on them before any
+// system sees them. False when one of them ended the game, which then skips the frame's update.
+bool Game::TakeInput()
+{
+    if (!settings.multithreaded && settings.pumpMessages)
+    {
+        input.Pump(false);
+    }
+    input.TakeFrameEvents();
+    HandleGameEvents();
+    if (running)
+    {
+        return true;
+    }
+    input.DrainFrameEvents();
+    return false;
 }
 
 void Game::RecordFrameTime(double dt)

@@ -69,6 +69,8 @@ private:
     // One pass of the loop; false when the game ended before the systems were updated.
     bool RunFrame();
     void RecordFrameTime(double dt);
+    void DestroyRequestedSpaces();
+    bool TakeInput();
     void DestroyFlaggedChildren();
     void DestroyAllChildren();
     // Loads scheduled levels; true if any was scheduled.
