@@ -41,6 +41,17 @@ public:
     // Sets the client size, keeping the position.
     void Resize(int32_t width, int32_t height);
 
+    // What a window can be asked to do; the code of a queued operation's event.
+    enum class Operation : int32_t
+    {
+        EnterFullscreen,
+        LeaveFullscreen,
+        Show,
+        Raise,
+        Minimise,
+        Resize,
+    };
+
     // Runs an operation that another thread queued; called by the pump for events of
     // Platform::WindowOperationEventType.
     static void PerformQueued(const SDL_UserEvent& event);
@@ -55,16 +66,6 @@ public:
     bool fullscreen = false;
 
 private:
-    enum class Operation : int32_t
-    {
-        EnterFullscreen,
-        LeaveFullscreen,
-        Show,
-        Raise,
-        Minimise,
-        Resize,
-    };
-
     // Runs the operation now on the window's own thread, or queues it to the pump from any other.
     void Request(Operation operation, int32_t width = 0, int32_t height = 0);
     void Perform(Operation operation, int32_t width, int32_t height);

@@ -1,10 +1,13 @@
+#include "Core/Game.h"
 #include "Core/Window.h"
 #include "Input/InputSystem.h"
+#include "Platform/Video.h"
 #include "Support/InputEvents.h"
 #include "Support/OffscreenWindow.h"
 #include "Support/TempFolder.h"
 
 #include <SDL.h>
+#include <array>
 #include <chrono>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -265,6 +268,34 @@ TEST_F(EventPump, AWindowOperationFromAnotherThreadRunsInThePump)
     Settle();
     EXPECT_EQ(SDL_GetWindowFlags(window->handle) & SDL_WINDOW_FULLSCREEN_DESKTOP,
               SDL_WINDOW_FULLSCREEN_DESKTOP);
+    window->SetFullscreen(false);
+}
+
+// Offscreen windows can't be minimised, so the request itself is checked: from the game thread it waits in
+// the queue for the pump, which then serves it.
+TEST_F(EventPump, LosingTheFocusInFullscreenPausesAndAsksToMinimise)
+{
+    window->SetFullscreen(true);
+    Core::Game game(window.get(), Core::GameSettings{});
+    std::thread gameThread(
+        [&]
+        {
+            input.incoming.Push(MakeSwitch(EventKind::Activate, false));
+            input.TakeFrameEvents();
+            input.ProcessFrameEvents(game);
+            input.DrainFrameEvents();
+            SDL_TLSCleanup();
+        });
+    gameThread.join();
+    EXPECT_TRUE(game.paused);
+    std::array<SDL_Event, 8> queued{};
+    const uint32_t operationType = Platform::WindowOperationEventType();
+    const int count = SDL_PeepEvents(queued.data(), static_cast<int>(queued.size()), SDL_PEEKEVENT,
+                                     operationType, operationType);
+    ASSERT_EQ(count, 1);
+    EXPECT_EQ(queued[0].user.code, static_cast<int32_t>(Core::Window::Operation::Minimise));
+    Settle();
+    EXPECT_EQ(SDL_PeepEvents(queued.data(), 1, SDL_PEEKEVENT, operationType, operationType), 0);
     window->SetFullscreen(false);
 }
 
