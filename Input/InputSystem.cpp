@@ -70,8 +70,9 @@ void InputSystem::Update(Core::Game& game, Space& space, double, double, double)
         return;
     }
     const Debug::ProfileBlock block("Input");
-    frameEvents.CopyTo(scriptEvents);
-    for (const InputEvent& event : scriptEvents)
+    // The copy that processing took holds exactly the frame's events, and nothing changes them until the
+    // drain, so every Space reads it instead of copying the queue again.
+    for (const InputEvent& event : frameCopy)
     {
         OfferToScripts(game, space, event);
     }
@@ -96,7 +97,7 @@ void InputSystem::Shutdown()
         wake.type = Platform::WakeEventType();
         SDL_PushEvent(&wake);
     }
-    frameEvents.Drain();
+    DrainFrameEvents();
     incoming.Drain();
 }
 
@@ -131,6 +132,8 @@ void InputSystem::TakeFrameEvents()
 
 void InputSystem::DrainFrameEvents()
 {
+    // The copy's paths go with the queue's.
+    frameCopy.clear();
     frameEvents.Drain();
 }
 

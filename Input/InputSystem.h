@@ -74,9 +74,9 @@ private:
     // Where the pump puts events: `incoming` while the system runs, null before and after.
     std::atomic<EventQueue*> queue = nullptr;
     Platform::EventTranslator translator;
-    // Reused every frame, so that copying the frame's events allocates nothing once grown.
+    // The frame's events as processing saw them, which scripts are then offered; reused every frame, so
+    // that copying allocates nothing once grown.
     std::vector<InputEvent> frameCopy;
-    std::vector<InputEvent> scriptEvents;
 };
 
 } // namespace Input

@@ -173,12 +173,6 @@ void EventTranslator::Translate(const SDL_Event& event, SDL_Window* window, Inpu
 void EventTranslator::TranslateWindowEvent(const SDL_Event& event, SDL_Window* window,
                                            Input::EventQueue& queue)
 {
-    int32_t width = 0;
-    int32_t height = 0;
-    if (window != nullptr)
-    {
-        SDL_GetWindowSize(window, &width, &height);
-    }
     switch (event.window.event)
     {
     case SDL_WINDOWEVENT_CLOSE:
@@ -205,15 +199,15 @@ void EventTranslator::TranslateWindowEvent(const SDL_Event& event, SDL_Window* w
         queue.Push(MakeEvent(EventKind::Minimize));
         break;
     case SDL_WINDOWEVENT_RESTORED:
-        PushSize(queue, width, height);
+        PushWindowSize(queue, window);
         break;
     case SDL_WINDOWEVENT_SHOWN:
         // The first showing reports the size, so the renderer learns it before any change.
-        if (!shown && (width != lastWidth || height != lastHeight))
+        if (!shown)
         {
-            PushSize(queue, width, height);
+            shown = true;
+            PushWindowSize(queue, window, true);
         }
-        shown = true;
         break;
     default:
         break;
@@ -285,6 +279,20 @@ void EventTranslator::TranslateDrop(const SDL_Event& event, SDL_Window* window, 
         empty.type = EventKind::FileDropped;
         empty.drop = {nullptr, dropX, dropY};
         queue.Push(empty);
+    }
+}
+
+void EventTranslator::PushWindowSize(Input::EventQueue& queue, SDL_Window* window, bool onlyIfNew)
+{
+    int32_t width = 0;
+    int32_t height = 0;
+    if (window != nullptr)
+    {
+        SDL_GetWindowSize(window, &width, &height);
+    }
+    if (!onlyIfNew || width != lastWidth || height != lastHeight)
+    {
+        PushSize(queue, width, height);
     }
 }
 

@@ -32,6 +32,8 @@ private:
     void TranslateKey(const SDL_Event& event, Input::EventQueue& queue);
     void TranslateDrop(const SDL_Event& event, SDL_Window* window, Input::EventQueue& queue);
     void PushSize(Input::EventQueue& queue, int32_t width, int32_t height);
+    // The window's current client size; with onlyIfNew, not when it is the size reported last.
+    void PushWindowSize(Input::EventQueue& queue, SDL_Window* window, bool onlyIfNew = false);
     // The path of a dropped file as scripts see it: relative to the data folder where it can be.
     std::string RelativeToData(const char* file);
 

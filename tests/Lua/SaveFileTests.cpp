@@ -7,21 +7,12 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <lua.hpp>
-#include <sstream>
 #include <string>
 
 namespace
 {
 
 namespace fs = std::filesystem;
-
-std::string ReadFile(const fs::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
 
 void WriteFile(const fs::path& path, const std::string& content)
 {

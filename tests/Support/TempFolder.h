@@ -29,6 +29,9 @@ private:
     std::filesystem::path path;
 };
 
+// The whole content of a file, as bytes; empty if it can't be read.
+std::string ReadFile(const std::filesystem::path& path);
+
 // Changes the working directory for the scope and changes back at its end.
 class ScopedWorkingDirectory
 {

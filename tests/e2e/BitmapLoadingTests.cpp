@@ -17,25 +17,12 @@ RunResult LoadBitmaps(std::vector<std::string> names)
     return RunEngine(options);
 }
 
-std::vector<std::string> PlainLines(const std::string& output)
-{
-    std::vector<std::string> plain;
-    for (const std::string& line : SplitLines(output))
-    {
-        if (!line.starts_with("["))
-        {
-            plain.push_back(line);
-        }
-    }
-    return plain;
-}
-
 TEST(BitmapLoading, GoodFilesLoadOnceAndBadOnesGiveTheCheckerboardWhileTheRunGoesOn)
 {
     const RunResult result = LoadBitmaps(
         {"Sprites/hero.png", "SPRITES\\Hero.PNG", "missing.png", "cut.png", "photo.jpg", "wall.bmp"});
     EXPECT_EQ(result.exitCode, 0) << result.errors;
-    EXPECT_EQ(PlainLines(result.output),
+    EXPECT_EQ(PrintedLines(result.output),
               (std::vector<std::string>{"Sprites/hero.png: 2 x 2 \"Sprites/hero.png\"",
                                         "SPRITES\\Hero.PNG: 2 x 2 \"Sprites/hero.png\"",
                                         "missing.png: 4 x 4 \"\"", "cut.png: 4 x 4 \"\"",

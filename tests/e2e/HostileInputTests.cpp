@@ -7,7 +7,6 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <random>
-#include <sstream>
 #include <unistd.h>
 
 namespace

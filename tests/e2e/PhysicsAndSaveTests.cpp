@@ -4,28 +4,13 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <sstream>
 #include <unistd.h>
 
 namespace
 {
 
 namespace fs = std::filesystem;
-
-std::vector<std::string> PrintedLines(const std::string& output)
-{
-    std::vector<std::string> printed;
-    for (const std::string& line : SplitLines(output))
-    {
-        if (!line.starts_with("["))
-        {
-            printed.push_back(line);
-        }
-    }
-    return printed;
-}
 
 // Two circles of radius 0.5 close at 4 units a second from 2 apart; the handler of the first contact
 // sees both objects and the point between them.
@@ -53,10 +38,7 @@ TEST(PhysicsAndSave, TheSaveFileCarriesDataToTheNextRunAndIsReplacedWhole)
     const RunResult first = RunEngine(options);
     const RunResult second = RunEngine(options);
     const fs::path save = directory / "xdg/Velmora/Quellmar/Save.lua";
-    std::ifstream file(save);
-    std::stringstream stream;
-    stream << file.rdbuf();
-    const std::string content = stream.str();
+    const std::string content = ReadFile(save);
     fs::remove_all(directory);
 
     ASSERT_EQ(first.exitCode, 0) << first.errors;
