@@ -232,6 +232,7 @@ void LuaSystem::Shutdown()
     spaceSerials.clear();
     lastLiveSpace = nullptr;
     schedules.clear();
+    scriptChunks.Clear();
 }
 
 } // namespace Lua

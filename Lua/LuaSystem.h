@@ -8,6 +8,7 @@
 
 #include "Components/Handle.h"
 #include "Core/System.h"
+#include "Lua/ScriptChunks.h"
 #include "Lua/ScriptSchedule.h"
 
 #include <cstddef>
@@ -59,6 +60,8 @@ public:
 
     // The main state; null before Initialise and after Shutdown.
     lua_State* state = nullptr;
+    // The script files compiled in this state.
+    ScriptChunks scriptChunks;
 
 private:
     static void* Allocate(void* system, void* block, size_t oldSize, size_t newSize);
