@@ -114,7 +114,7 @@ bool ScriptComponent::SetScript(lua_State* L, const char* fileName)
         Logger::Log("LuaSystem", LogLevel::Warning, "Replacing existing script component");
         Cleanup(L);
     }
-    if (luaL_loadfilex(L, fileName, nullptr) != LUA_OK)
+    if (Lua::LuaSystem::Of(L).scriptChunks.PushMainFunction(L, fileName) != LUA_OK)
     {
         LogLoadFailure(fileName, lua_tostring(L, -1));
         lua_settop(L, top);
@@ -149,14 +149,17 @@ bool ScriptComponent::StartCoroutine(lua_State* L, int argumentCount)
 {
     Lua::EnsureStack(L, 24);
     const int function = lua_gettop(L) - argumentCount;
+    // The thread comes before a new environment, so that a script's function, thread and environment, which
+    // every wake touches, lie close together in memory.
+    lua_State* thread = lua_newthread(L);
+    const int ref = luaL_ref(L, LUA_REGISTRYINDEX);
     if (!PushEnvironment(L))
     {
+        luaL_unref(L, LUA_REGISTRYINDEX, ref);
         lua_settop(L, function - 1);
         return false;
     }
     SetEnvironmentUpvalue(L, function);
-    lua_State* thread = lua_newthread(L);
-    const int ref = luaL_ref(L, LUA_REGISTRYINDEX);
     if (!lua_checkstack(thread, argumentCount + 1))
     {
         luaL_unref(L, LUA_REGISTRYINDEX, ref);

@@ -158,7 +158,8 @@ void CopyPairs(lua_State* L, int from, int to)
 int32_t MakeScriptEnvironment(lua_State* L, GameObjectHandle owner, int32_t variables)
 {
     EnsureStack(L, 23);
-    lua_newtable(L);
+    // Room for the six fields below from the start, so that setting them rehashes nothing.
+    lua_createtable(L, 0, 6);
     const int environment = lua_gettop(L);
     if (lua_getfield(L, LUA_REGISTRYINDEX, "EnvMeta") == LUA_TTABLE)
     {

@@ -342,10 +342,14 @@ void ScriptSchedule::End(lua_State* L, Space& space, Handle coroutine)
     staleSleepers += coroutines.End(L, *owner, coroutine) ? 1 : 0;
 }
 
-// With thousands of coroutines, each thread has left the cache since its last run, and the resume stalls on
-// it first; the script's first global, almost always `wait`, then stalls on its environment table. Asking
-// for both of an entry a little ahead lets those misses overlap with the run in between. The pointers are
-// only prefetched, never read, so a thread or environment that goes before its turn costs nothing.
+// With thousands of coroutines, a coroutine's memory has left the cache since its last run, and a resume
+// stalls on one line after another: the thread, its function and that function's _ENV upvalue, the bottom of
+// its stack, the environment table and then the slot of `wait` in its hash part. Asking for them a few
+// entries ahead lets those misses overlap with the runs in between. Where they lie follows from the order in
+// which a script is made: its function and upvalue just before the thread, the stack right after it, and the
+// hash part right after the environment table, which is made with room for its fields. The addresses are only
+// prefetched, never read, so a coroutine that ends before its turn, or memory laid out otherwise, costs the
+// prefetches and nothing more.
 void ScriptSchedule::PrefetchCoroutine(lua_State* L, size_t position)
 {
     if (position >= due.size())
@@ -359,19 +363,25 @@ void ScriptSchedule::PrefetchCoroutine(lua_State* L, size_t position)
     }
     lua_rawgeti(L, LUA_REGISTRYINDEX, record->thread);
     // Null when a script has put something else in the registry: RunOne reports that in its turn.
-    const lua_State* thread = lua_tothread(L, -1);
+    const auto* thread = static_cast<const char*>(static_cast<const void*>(lua_tothread(L, -1)));
     lua_pop(L, 1);
     if (thread == nullptr)
     {
         return;
     }
-    __builtin_prefetch(thread);
-    __builtin_prefetch(reinterpret_cast<const char*>(thread) + 64);
+    for (int line = -kLinesBeforeThread; line < kLinesFromThread; ++line)
+    {
+        __builtin_prefetch(thread + line * kCacheLine);
+    }
     if (record->environment > 0)
     {
         lua_rawgeti(L, LUA_REGISTRYINDEX, record->environment);
-        __builtin_prefetch(lua_topointer(L, -1));
+        const auto* environment = static_cast<const char*>(lua_topointer(L, -1));
         lua_pop(L, 1);
+        for (int line = 0; line < kEnvironmentLines; ++line)
+        {
+            __builtin_prefetch(environment + line * kCacheLine);
+        }
     }
 }
 
