@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <lua.hpp>
 #include <string_view>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace Lua
@@ -52,7 +53,17 @@ constexpr char kFactoryName[] = "=script factory";
 class FileReader
 {
 public:
-    explicit FileReader(const char* fileName) : descriptor(open(fileName, O_RDONLY | O_CLOEXEC)) {}
+    // Only a regular file is read: a device such as /dev/zero would never end, and what isn't a regular
+    // file is left to luaL_loadfilex, which reads it as it always has.
+    explicit FileReader(const char* fileName) : descriptor(open(fileName, O_RDONLY | O_CLOEXEC))
+    {
+        struct stat status;
+        if (descriptor >= 0 && (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)))
+        {
+            close(descriptor);
+            descriptor = -1;
+        }
+    }
     ~FileReader()
     {
         if (descriptor >= 0)

@@ -75,6 +75,11 @@ TEST_F(ScriptChunks, AFileIsCompiledForWhatItHoldsWhenAttached)
     Write("v.lua", "print(");
     EXPECT_FALSE(ScriptOf(object).SetScript(L(), "v.lua"));
     EXPECT_EQ(Errors().back(), "Failed to load script \"v.lua\": v.lua:1: unexpected symbol near <eof>");
+    // A device that never ends is read by Lua's loader, which stops at its first bad character.
+    EXPECT_FALSE(ScriptOf(object).SetScript(L(), "/dev/zero"));
+    EXPECT_TRUE(
+        Errors().back().starts_with("Failed to load script \"/dev/zero\": /dev/zero:1: unexpected symbol"))
+        << Errors().back();
 }
 
 TEST_F(ScriptChunks, BinaryChunksAndTheLinesThatLoadingSkipsWorkAsBefore)
