@@ -59,6 +59,33 @@ struct InputEvent
     };
 };
 
+// An event of a kind that carries values, or none (Quit, Minimize, Close).
+inline InputEvent MakeEvent(EventKind kind, int32_t x = 0, int32_t y = 0, int32_t button = 0)
+{
+    InputEvent event;
+    event.type = kind;
+    event.values = {x, y, button};
+    return event;
+}
+
+// An event of a kind that carries one flag: Activate, MouseWheel.
+inline InputEvent MakeSwitch(EventKind kind, bool state)
+{
+    InputEvent event;
+    event.type = kind;
+    event.state = state;
+    return event;
+}
+
+// A FileDropped that takes over the heap path (or null) and lies at the window point.
+inline InputEvent MakeDrop(char* path, int32_t x, int32_t y)
+{
+    InputEvent event;
+    event.type = EventKind::FileDropped;
+    event.drop = {path, x, y};
+    return event;
+}
+
 // A heap copy of the text for a FileDropped event, and its release; FreePath ignores other kinds.
 char* CopyPath(const char* text, std::size_t length);
 void FreePath(InputEvent& event);

@@ -16,22 +16,6 @@ namespace
 using Input::EventKind;
 using Input::InputEvent;
 
-InputEvent MakeEvent(EventKind kind, int32_t x = 0, int32_t y = 0, int32_t button = 0)
-{
-    InputEvent event;
-    event.type = kind;
-    event.values = {x, y, button};
-    return event;
-}
-
-InputEvent MakeStateEvent(EventKind kind, bool state)
-{
-    InputEvent event;
-    event.type = kind;
-    event.state = state;
-    return event;
-}
-
 // The character that a key types besides its text: these keys type control characters on Windows, which
 // scripts read for editing. 0 for all other keys.
 int32_t ControlCharacterOf(SDL_Keycode keycode)
@@ -156,7 +140,7 @@ void EventTranslator::Translate(const SDL_Event& event, SDL_Window* window, Inpu
         if (event.wheel.y != 0)
         {
             const bool away = (event.wheel.y > 0) != (event.wheel.direction == SDL_MOUSEWHEEL_FLIPPED);
-            queue->Push(MakeStateEvent(EventKind::MouseWheel, away));
+            queue->Push(MakeSwitch(EventKind::MouseWheel, away));
         }
         break;
     case SDL_DROPBEGIN:
@@ -183,10 +167,10 @@ void EventTranslator::TranslateWindowEvent(const SDL_Event& event, SDL_Window* w
         {
             SDL_RestoreWindow(window);
         }
-        queue.Push(MakeStateEvent(EventKind::Activate, true));
+        queue.Push(MakeSwitch(EventKind::Activate, true));
         break;
     case SDL_WINDOWEVENT_FOCUS_LOST:
-        queue.Push(MakeStateEvent(EventKind::Activate, false));
+        queue.Push(MakeSwitch(EventKind::Activate, false));
         break;
     case SDL_WINDOWEVENT_SIZE_CHANGED:
         if (event.window.data1 != lastWidth || event.window.data2 != lastHeight)
@@ -261,10 +245,7 @@ void EventTranslator::TranslateDrop(const SDL_Event& event, SDL_Window* window, 
     if (event.type == SDL_DROPFILE && event.drop.file != nullptr)
     {
         const std::string path = RelativeToData(event.drop.file);
-        InputEvent dropped;
-        dropped.type = EventKind::FileDropped;
-        dropped.drop = {Input::CopyPath(path.data(), path.size()), dropX, dropY};
-        queue.Push(dropped);
+        queue.Push(Input::MakeDrop(Input::CopyPath(path.data(), path.size()), dropX, dropY));
         dropHadFile = true;
     }
     FreeDropStrings(event);
@@ -275,10 +256,7 @@ void EventTranslator::TranslateDrop(const SDL_Event& event, SDL_Window* window, 
     dropOpen = false;
     if (!dropHadFile)
     {
-        InputEvent empty;
-        empty.type = EventKind::FileDropped;
-        empty.drop = {nullptr, dropX, dropY};
-        queue.Push(empty);
+        queue.Push(Input::MakeDrop(nullptr, dropX, dropY));
     }
 }
 

@@ -5,28 +5,9 @@
 using Input::EventKind;
 using Input::InputEvent;
 
-InputEvent MakeEvent(EventKind kind, int32_t x, int32_t y, int32_t button)
-{
-    InputEvent event;
-    event.type = kind;
-    event.values = {x, y, button};
-    return event;
-}
-
-InputEvent MakeSwitch(EventKind kind, bool state)
-{
-    InputEvent event;
-    event.type = kind;
-    event.state = state;
-    return event;
-}
-
 InputEvent MakeDrop(const char* path, int32_t x, int32_t y)
 {
-    InputEvent event;
-    event.type = EventKind::FileDropped;
-    event.drop = {path != nullptr ? Input::CopyPath(path, std::strlen(path)) : nullptr, x, y};
-    return event;
+    return Input::MakeDrop(path != nullptr ? Input::CopyPath(path, std::strlen(path)) : nullptr, x, y);
 }
 
 std::string Describe(const InputEvent& event)

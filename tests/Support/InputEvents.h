@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-Input::InputEvent MakeEvent(Input::EventKind kind, int32_t x = 0, int32_t y = 0, int32_t button = 0);
-Input::InputEvent MakeSwitch(Input::EventKind kind, bool state);
+using Input::MakeEvent;
+using Input::MakeSwitch;
 // A "FileDropped" with a heap copy of the path, or with no path for null, let go at the window point.
 Input::InputEvent MakeDrop(const char* path, int32_t x = 0, int32_t y = 0);
 
