@@ -2,52 +2,16 @@
 // and ten thousand scripts that move their transforms every frame.
 
 #include "AllocationCounter.h"
-#include "Core/Game.h"
+#include "BenchGame.h"
 
 #include <benchmark/benchmark.h>
-#include <filesystem>
-#include <fstream>
 #include <lua.hpp>
 #include <sstream>
-#include <unistd.h>
 
 namespace
 {
 
 constexpr int kLevelObjects = 10000;
-
-// File names and their texts.
-using Files = std::vector<std::pair<std::string, std::string>>;
-
-// A started game whose working directory is a temporary folder with the given files.
-class BenchGame
-{
-public:
-    explicit BenchGame(const Files& files) : game(nullptr, Core::GameSettings{})
-    {
-        char pattern[] = "/tmp/quellmar-bench-XXXXXX";
-        folder = mkdtemp(pattern);
-        previous = std::filesystem::current_path();
-        std::filesystem::current_path(folder);
-        for (const auto& [name, text] : files)
-        {
-            std::ofstream(name) << text;
-        }
-        game.StartSystems();
-    }
-    ~BenchGame()
-    {
-        game.LeaveLoop();
-        std::filesystem::current_path(previous);
-        std::filesystem::remove_all(folder);
-    }
-    BenchGame(const BenchGame&) = delete;
-    BenchGame& operator=(const BenchGame&) = delete;
-
-    Core::Game game;
-    std::filesystem::path folder;
-    std::filesystem::path previous;
-};
 
 // 100 parents with 10 children each, and 8,900 more: one in ten from an archetype with an override, one in
 // ten with a script and its variables, every one named and placed.
@@ -90,9 +54,9 @@ std::string BigLevel()
 
 void LevelLoad(benchmark::State& state)
 {
-    BenchGame bench(Files{{"Big.lvl", BigLevel()},
-                          {"Rock.arch", "return { Name = 'Rock', Transform = { Scale = { 2, 2 } } }"},
-                          {"idle.lua", "while true do wait(1) end"}});
+    BenchGame bench(BenchFiles{{"Big.lvl", BigLevel()},
+                               {"Rock.arch", "return { Name = 'Rock', Transform = { Scale = { 2, 2 } } }"},
+                               {"idle.lua", "while true do wait(1) end"}});
     Space& space = bench.game.rootSpace;
     const size_t luaBefore = bench.game.lua.LiveBytes();
     const uint64_t cppBefore = AllocatedBytes();
@@ -121,7 +85,7 @@ void FindFirstObject(benchmark::State& state)
 {
     const int count = static_cast<int>(state.range(0));
     const bool miss = state.range(1) != 0;
-    BenchGame bench(Files{});
+    BenchGame bench(BenchFiles{});
     Space& space = bench.game.rootSpace;
     for (int index = 0; index < count; ++index)
     {
@@ -145,28 +109,22 @@ BENCHMARK(FindFirstObject)->Args({1000, 0})->Args({1000, 1})->Args({10000, 0})->
 
 void ScriptsMoveTransforms(benchmark::State& state)
 {
-    BenchGame bench(Files{{"move.lua", "local t = GameObject.Transform\n"
-                                       "while true do\n"
-                                       "  local x, y = t:GetPosition()\n"
-                                       "  t:SetPosition(x + 0.1, y - 0.1)\n"
-                                       "  t:SetRotation(t:GetRotation() + 0.01)\n"
-                                       "  wait()\n"
-                                       "end\n"}});
-    Core::Game& game = bench.game;
+    BenchGame bench(BenchFiles{{"move.lua", "local t = GameObject.Transform\n"
+                                            "while true do\n"
+                                            "  local x, y = t:GetPosition()\n"
+                                            "  t:SetPosition(x + 0.1, y - 0.1)\n"
+                                            "  t:SetRotation(t:GetRotation() + 0.01)\n"
+                                            "  wait()\n"
+                                            "end\n"}});
     for (int index = 0; index < kLevelObjects; ++index)
     {
-        const GameObjectHandle object = game.rootSpace.CreateObject();
+        const GameObjectHandle object = bench.game.rootSpace.CreateObject();
         object.Get().AddComponent(Components::Transform);
-        const Handle script = object.Get().AddComponent(Components::Script);
-        game.rootSpace.scripts.components.at(script).SetScript(game.lua.state, "move.lua");
+        bench.AttachScript(object, "move.lua");
     }
-    constexpr double kDt = 1.0 / 60.0;
-    double time = 0.0;
     for (auto _ : state)
     {
-        time += kDt;
-        game.rootSpace.time += kDt;
-        game.lua.Update(game, game.rootSpace, kDt, game.rootSpace.time, time);
+        bench.UpdateScripts();
     }
 }
 BENCHMARK(ScriptsMoveTransforms)->Unit(benchmark::kMillisecond);

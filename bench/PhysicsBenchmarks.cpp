@@ -2,16 +2,15 @@
 // queries against a thousand colliders, from the engine and from a script.
 
 #include "AllocationCounter.h"
+#include "BenchGame.h"
 #include "Components/Space.h"
 #include "Core/Game.h"
 #include "Debug/Profile.h"
 #include "Physics/ContactFinder.h"
 #include "Physics/Raycast.h"
-#include "Support/TempFolder.h"
 
 #include <benchmark/benchmark.h>
 #include <cmath>
-#include <fstream>
 #include <lua.hpp>
 #include <random>
 
@@ -90,37 +89,14 @@ void PhysicsStepCircles(benchmark::State& state)
 }
 BENCHMARK(PhysicsStepCircles)->Arg(1000)->Arg(5000)->Unit(benchmark::kMillisecond);
 
-// A game with its systems started in a temporary Data folder, whose one script runs the chunk at the first
-// update.
-class ScriptedGame
+// A game whose one script runs the chunk at the first script update.
+class ScriptedGame : public BenchGame
 {
 public:
-    explicit ScriptedGame(const char* chunk) : cwd(data.Path()), game(nullptr, Core::GameSettings{})
+    explicit ScriptedGame(const char* chunk) : BenchGame(BenchFiles{{"bench.lua", chunk}})
     {
-        std::ofstream(data.Path() / "bench.lua") << chunk;
-        game.StartSystems();
-        script = game.rootSpace.CreateObject();
-        const Handle component = script.Get().AddComponent(Components::Script);
-        game.rootSpace.scripts.components.at(component).SetScript(game.lua.state, "bench.lua");
+        AttachScript("bench.lua");
     }
-    ~ScriptedGame() { game.LeaveLoop(); }
-    ScriptedGame(const ScriptedGame&) = delete;
-    ScriptedGame& operator=(const ScriptedGame&) = delete;
-
-    // The script update of one frame: handlers that the step started run here.
-    void UpdateScripts()
-    {
-        time += kDt;
-        game.rootSpace.time += kDt;
-        game.lua.Update(game, game.rootSpace, kDt, game.rootSpace.time, time);
-    }
-
-    static constexpr double kDt = 1.0 / 60.0;
-    TempFolder data;
-    ScopedWorkingDirectory cwd;
-    Core::Game game;
-    GameObjectHandle script;
-    double time = 0.0;
 };
 
 // The step of PhysicsStepCircles with a script handler connected to every collider, and the script update

@@ -1,60 +1,28 @@
 // What script coroutines cost per frame: ten thousand scripts that wake every frame, a hundred thousand that
 // sleep, and the memory that one running script takes. One iteration is one LuaSystem::Update of one Space.
 
-#include "Core/Game.h"
+#include "BenchGame.h"
 
 #include <benchmark/benchmark.h>
-#include <filesystem>
-#include <fstream>
 #include <lua.hpp>
-#include <unistd.h>
 #include <vector>
 
 namespace
 {
 
-// A game with the systems started and `count` objects running the chunk, each having run once, so every
-// coroutine sits in its first wait. The working directory is a temporary folder holding the script.
-class ScriptWorld
+// A game with `count` objects running the chunk, each having run once, so that every coroutine sits in its
+// first wait.
+class ScriptWorld : public BenchGame
 {
 public:
-    ScriptWorld(const char* chunk, int count) : game(nullptr, Core::GameSettings{})
+    ScriptWorld(const char* chunk, int count) : BenchGame(BenchFiles{{"bench.lua", chunk}})
     {
-        char pattern[] = "/tmp/quellmar-bench-XXXXXX";
-        folder = mkdtemp(pattern);
-        previous = std::filesystem::current_path();
-        std::filesystem::current_path(folder);
-        std::ofstream("bench.lua") << chunk;
-        game.StartSystems();
         for (int index = 0; index < count; ++index)
         {
-            const GameObjectHandle object = game.rootSpace.CreateObject();
-            const Handle script = object.Get().AddComponent(Components::Script);
-            game.rootSpace.scripts.components.at(script).SetScript(game.lua.state, "bench.lua");
+            AttachScript("bench.lua");
         }
-        Step();
+        UpdateScripts();
     }
-    ~ScriptWorld()
-    {
-        game.LeaveLoop();
-        std::filesystem::current_path(previous);
-        std::filesystem::remove_all(folder);
-    }
-    ScriptWorld(const ScriptWorld&) = delete;
-    ScriptWorld& operator=(const ScriptWorld&) = delete;
-
-    void Step()
-    {
-        time += kDt;
-        game.rootSpace.time += kDt;
-        game.lua.Update(game, game.rootSpace, kDt, game.rootSpace.time, time);
-    }
-
-    static constexpr double kDt = 1.0 / 60.0;
-    Core::Game game;
-    std::filesystem::path folder;
-    std::filesystem::path previous;
-    double time = 0.0;
 };
 
 void ScriptWake(benchmark::State& state)
@@ -62,7 +30,7 @@ void ScriptWake(benchmark::State& state)
     ScriptWorld world("while true do wait() end", 10000);
     for (auto _ : state)
     {
-        world.Step();
+        world.UpdateScripts();
     }
 }
 BENCHMARK(ScriptWake)->Unit(benchmark::kMillisecond);
@@ -73,7 +41,7 @@ void ScriptWakeLocalWait(benchmark::State& state)
     ScriptWorld world("local wait = wait while true do wait() end", 10000);
     for (auto _ : state)
     {
-        world.Step();
+        world.UpdateScripts();
     }
 }
 BENCHMARK(ScriptWakeLocalWait)->Unit(benchmark::kMillisecond);
@@ -83,7 +51,7 @@ void ScriptSleep(benchmark::State& state)
     ScriptWorld world("wait(3600)", 100000);
     for (auto _ : state)
     {
-        world.Step();
+        world.UpdateScripts();
     }
 }
 BENCHMARK(ScriptSleep)->Unit(benchmark::kMillisecond);

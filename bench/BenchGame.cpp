@@ -1,0 +1,32 @@
+#include "BenchGame.h"
+
+#include <fstream>
+
+BenchGame::BenchGame(const BenchFiles& files) : cwd(data.Path()), game(nullptr, Core::GameSettings{})
+{
+    for (const auto& [name, text] : files)
+    {
+        std::ofstream(data.Path() / name) << text;
+    }
+    game.StartSystems();
+}
+
+void BenchGame::AttachScript(GameObjectHandle object, const char* fileName)
+{
+    const Handle script = object.Get().AddComponent(Components::Script);
+    object.space->scripts.components.at(script).SetScript(game.lua.state, fileName);
+}
+
+GameObjectHandle BenchGame::AttachScript(const char* fileName)
+{
+    const GameObjectHandle object = game.rootSpace.CreateObject();
+    AttachScript(object, fileName);
+    return object;
+}
+
+void BenchGame::UpdateScripts()
+{
+    time += kDt;
+    game.rootSpace.time += kDt;
+    game.lua.Update(game, game.rootSpace, kDt, game.rootSpace.time, time);
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+// A game for benchmarks: its systems started, with a temporary folder that holds the given files as the
+// working directory while it lives.
+
+#include "Core/Game.h"
+#include "Support/TempFolder.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+// File names and their texts.
+using BenchFiles = std::vector<std::pair<std::string, std::string>>;
+
+class BenchGame
+{
+public:
+    explicit BenchGame(const BenchFiles& files);
+    ~BenchGame() { game.LeaveLoop(); }
+    BenchGame(const BenchGame&) = delete;
+    BenchGame& operator=(const BenchGame&) = delete;
+
+    // Adds a script component to the object that runs the file from the next script update.
+    void AttachScript(GameObjectHandle object, const char* fileName);
+    // A new object of the top Space with such a script.
+    GameObjectHandle AttachScript(const char* fileName);
+    // The script update of one frame of the top Space, kDt later than the last.
+    void UpdateScripts();
+
+    static constexpr double kDt = 1.0 / 60.0;
+    TempFolder data;
+    ScopedWorkingDirectory cwd;
+    Core::Game game;
+    double time = 0.0;
+};
