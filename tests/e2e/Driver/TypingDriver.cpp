@@ -81,24 +81,19 @@ void Drop(const std::string& path)
     Push(Of(SDL_DROPCOMPLETE));
 }
 
-// The game listens once its window shows, after every system has started; the start level then loads.
-void WaitForTheGame()
+// The listener leaves a sign file once every handler is connected; events typed before that would be lost.
+// A game that never gets there is ended by the harness's time limit.
+void WaitForTheListener(const std::filesystem::path& sign)
 {
-    for (;;)
+    while (!std::filesystem::exists(sign))
     {
-        SDL_Window* window = SDL_WasInit(SDL_INIT_VIDEO) != 0 ? SDL_GetWindowFromID(1) : nullptr;
-        if (window != nullptr && (SDL_GetWindowFlags(window) & SDL_WINDOW_SHOWN) != 0)
-        {
-            break;
-        }
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
-    std::this_thread::sleep_for(std::chrono::milliseconds(200));
 }
 
-void Type(const std::string& droppedFile)
+void Type(const std::string& droppedFile, const std::filesystem::path& sign)
 {
-    WaitForTheGame();
+    WaitForTheListener(sign);
     Key(SDL_KEYDOWN, SDLK_h);
     Text("h");
     Key(SDL_KEYUP, SDLK_h);
@@ -127,10 +122,12 @@ void Type(const std::string& droppedFile)
 int main(int argc, char** argv)
 {
     const std::string droppedFile = std::filesystem::absolute("Data/Levels/Start.lvl").string();
+    const std::filesystem::path sign = std::filesystem::absolute("Data/listening");
+    std::filesystem::remove(sign);
     std::thread typist(
         [&]
         {
-            Type(droppedFile);
+            Type(droppedFile, sign);
             SDL_TLSCleanup();
         });
     const int exitCode = Core::Main(argc, argv);

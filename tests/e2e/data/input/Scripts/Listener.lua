@@ -29,6 +29,8 @@ Input.ConnectClose(function()
     wait()
     Game.Quit()
 end)
+-- The sign that a driver typing at the window waits for before its first key.
+io.open("listening", "w"):close()
 print("start")
 while true do
     frame = frame + 1
