@@ -73,13 +73,40 @@ bool WriteTemporary(int descriptor, mode_t mode, std::initializer_list<std::stri
     return fsync(descriptor) == 0;
 }
 
+// Writes, closes and renames the temporary file over the target. On failure errno is that of the call that
+// failed: the close after a failed write must not replace it.
+bool Commit(int descriptor, const std::string& temporary, const std::string& path, mode_t mode,
+            std::initializer_list<std::string_view> pieces)
+{
+    if (!WriteTemporary(descriptor, mode, pieces))
+    {
+        const int failure = errno;
+        close(descriptor);
+        errno = failure;
+        return false;
+    }
+    return close(descriptor) == 0 && rename(temporary.c_str(), path.c_str()) == 0;
+}
+
 } // namespace
 
 bool ReplaceFileContent(const std::string& path, std::initializer_list<std::string_view> pieces)
 {
+    // The system would read the name only up to the NUL, and so write some other file.
+    if (path.find('\0') != std::string::npos)
+    {
+        errno = EINVAL;
+        return false;
+    }
     struct stat existing = {};
     const bool exists = stat(path.c_str(), &existing) == 0;
-    if (exists && (!S_ISREG(existing.st_mode) || access(path.c_str(), W_OK) != 0))
+    if (exists && !S_ISREG(existing.st_mode))
+    {
+        // Renaming over a folder, a device or a pipe would replace the thing itself, not its content.
+        errno = EISDIR;
+        return false;
+    }
+    if (exists && access(path.c_str(), W_OK) != 0)
     {
         return false;
     }
@@ -90,11 +117,11 @@ bool ReplaceFileContent(const std::string& path, std::initializer_list<std::stri
         return false;
     }
     const mode_t mode = exists ? (existing.st_mode & 07777) : NewFileMode();
-    const bool written = WriteTemporary(descriptor, mode, pieces);
-    const bool closed = close(descriptor) == 0;
-    if (!written || !closed || rename(temporary.c_str(), path.c_str()) != 0)
+    if (!Commit(descriptor, temporary, path, mode, pieces))
     {
+        const int failure = errno;
         unlink(temporary.c_str());
+        errno = failure;
         return false;
     }
     SyncFolder(path);

@@ -1,8 +1,11 @@
 #include "FileSystem/AtomicFile.h"
 #include "Support/TempFolder.h"
 
+#include <cerrno>
+#include <csignal>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 namespace
@@ -39,14 +42,41 @@ TEST(AtomicFile, NewFilesFollowTheUmaskAndReplacedFilesKeepTheirMode)
     EXPECT_EQ(EntriesIn(folder.Path()), 1u);
 }
 
-TEST(AtomicFile, AFailureLeavesTheOldContentAndNoTemporaryFile)
+TEST(AtomicFile, AFailureLeavesTheTargetAndNoTemporaryFileAndErrnoTellingWhy)
 {
     TempFolder folder;
-    EXPECT_FALSE(FileSystem::ReplaceFileContent((folder.Path() / "missing/Save.lua").string(), {"x"}));
     folder.MakeFolder("Save.lua");
-    EXPECT_FALSE(FileSystem::ReplaceFileContent((folder.Path() / "Save.lua").string(), {"x"}));
+    // Cut at the NUL, the name would be a valid template for the temporary file and a new file of its own.
+    const std::string withNul = folder.PathOf("Save.XXXXXX") + std::string(1, '\0') + ".lua";
+    const std::pair<std::string, int> cases[] = {
+        {folder.PathOf("missing/Save.lua"), ENOENT}, {folder.PathOf("Save.lua"), EISDIR}, {withNul, EINVAL}};
+    for (const auto& [path, error] : cases)
+    {
+        errno = 0;
+        EXPECT_FALSE(FileSystem::ReplaceFileContent(path, {"x"}));
+        EXPECT_EQ(errno, error) << path;
+    }
     EXPECT_TRUE(fs::is_directory(folder.Path() / "Save.lua"));
     EXPECT_EQ(EntriesIn(folder.Path()), 1u);
+}
+
+TEST(AtomicFile, AWriteCutShortByTheFileSizeLimitGivesEfbig)
+{
+    TempFolder folder;
+    rlimit previous = {};
+    getrlimit(RLIMIT_FSIZE, &previous);
+    rlimit lowered = previous;
+    lowered.rlim_cur = 1000;
+    // Ignored, the signal leaves the write to fail with EFBIG rather than end the process.
+    const auto handler = signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &lowered);
+    const bool replaced = FileSystem::ReplaceFileContent(folder.PathOf("Save.lua"), {std::string(5000, 'x')});
+    const int error = errno;
+    setrlimit(RLIMIT_FSIZE, &previous);
+    signal(SIGXFSZ, handler);
+    EXPECT_FALSE(replaced);
+    EXPECT_EQ(error, EFBIG);
+    EXPECT_EQ(EntriesIn(folder.Path()), 0u);
 }
 
 } // namespace
