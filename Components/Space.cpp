@@ -133,7 +133,13 @@ bool Space::LoadLevel(Core::Game& game)
     }
     DestroyAllObjects();
     DeleteDestroyed(game);
-    return Lua::FinishLevelLoad(L, *this, top);
+    if (!Lua::FinishLevelLoad(L, *this, top))
+    {
+        return false;
+    }
+    // Every level starts with the camera at the origin, showing 20 units from top to bottom.
+    game.graphics.SetCamera(Vec2{}, 20.0f);
+    return true;
 }
 
 uint32_t Space::DeleteDestroyed(Core::Game& game)

@@ -9,6 +9,7 @@
 #include "FileSystem/AssetManager.h"
 #include "FileSystem/Paths.h"
 #include "Graphics/Bitmap.h"
+#include "Graphics/DrawableScripts.h"
 #include "Graphics/GLContext.h"
 #include "Lua/CoreScriptTypes.h"
 #include "Lua/ScriptHandles.h"
@@ -16,11 +17,33 @@
 #include "Platform/Video.h"
 
 #include <chrono>
+#include <cmath>
+#include <cstdio>
 
 namespace Core
 {
 namespace
 {
+
+// Two lines per transform, flagged ones too, descendants' spaces first: red along the transform's x axis,
+// green along its y axis, each half the scale long.
+void DrawTransforms(Space& space, Graphics::GraphicsSystem& graphics)
+{
+    for (Space* child = space.firstChild.get(); child != nullptr; child = child->nextSibling.get())
+    {
+        DrawTransforms(*child, graphics);
+    }
+    for (const Components::TransformComponent& transform : space.transforms.components)
+    {
+        const Vec2 p = transform.GetWorldPosition();
+        const float r = transform.GetWorldRotation();
+        const Vec2 s = transform.scale;
+        graphics.AddDebugLine(p, p + Vec2{s.x / 2 * std::cos(r), s.x / 2 * std::sin(r)},
+                              Graphics::Colour{1.0f, 0.0f, 0.0f, 1.0f});
+        graphics.AddDebugLine(p, p + Vec2{-s.y / 2 * std::sin(r), s.y / 2 * std::cos(r)},
+                              Graphics::Colour{0.0f, 1.0f, 0.0f, 1.0f});
+    }
+}
 
 constexpr double kNominalFrameTime = 1.0 / 60.0;
 constexpr size_t kFrameTimeHistory = 60;
@@ -153,7 +176,8 @@ void Game::StartSystems()
 }
 
 // The globals that scripts reach the game by. Each system's script table goes into Game and is also a
-// global of the same name; Graphics and Audio join once those systems have script functions.
+// global of the same name; Graphics only in a game with a window, and Audio once that system has script
+// functions.
 void Game::Lua_Push()
 {
     lua_State* L = lua.state;
@@ -163,6 +187,13 @@ void Game::Lua_Push()
     lua_pushvalue(L, -1);
     lua_setglobal(L, "Physics");
     lua_setfield(L, -2, "Physics");
+    if (graphics.IsRunning())
+    {
+        Graphics::PushGraphicsTable(L, graphics);
+        lua_pushvalue(L, -1);
+        lua_setglobal(L, "Graphics");
+        lua_setfield(L, -2, "Graphics");
+    }
     Lua::PushSpace(&rootSpace, L);
     lua_setglobal(L, "MainSpace");
     lua_setglobal(L, "Game");
@@ -217,10 +248,15 @@ bool Game::RunFrame()
         running = false;
         return false;
     }
+    if (debugDraw && graphics.IsRunning())
+    {
+        DrawDebugOverlay(previousProfile);
+    }
     // Children's subtrees first, then the root's own objects.
     rootSpace.DeleteDestroyedTree(*this);
     if (window != nullptr)
     {
+        graphics.WriteScreenshots();
         Graphics::PresentFrame(graphics);
     }
 
@@ -231,6 +267,25 @@ bool Game::RunFrame()
         std::this_thread::sleep_for(kPausedSleep);
     }
     return true;
+}
+
+// The axes of every transform and the profile bars show in the next frame, through the debug queues; the
+// profile's names and the frame rate draw at once.
+void Game::DrawDebugOverlay(const std::vector<Debug::ProfileRecord>& previousProfile)
+{
+    {
+        Debug::ProfileBlock block("Debug Draw Transforms");
+        DrawTransforms(rootSpace, graphics);
+    }
+    graphics.DrawProfile(previousProfile);
+    double sum = 0.0;
+    for (const double frameTime : frameTimes)
+    {
+        sum += frameTime;
+    }
+    char text[64];
+    std::snprintf(text, sizeof(text), "FPS: %.3f", static_cast<double>(frameTimes.size()) / sum);
+    graphics.DrawText(graphics.ScreenToWorld(Vec2{}), text, Graphics::Colour{0.0f, 0.0f, 0.0f, 1.0f});
 }
 
 void Game::DestroyRequestedSpaces()
@@ -306,10 +361,17 @@ bool Game::LoadScheduledLevels()
     }
     Debug::ProfileBlock block("Load Level");
     FileSystem::EraseExpiredBitmaps();
-    // Bitmaps the old level used are held across the load, so what the new level shares with it is found
-    // alive instead of being decoded again; the rest dies when the hold ends.
-    const std::vector<std::shared_ptr<Graphics::Bitmap>> held = FileSystem::LockCachedBitmaps();
-    rootSpace.LoadScheduledLevels(*this);
+    {
+        // Bitmaps the old level used are held across the load, so what the new level shares with it is
+        // found alive instead of being decoded again; the rest dies when the hold ends.
+        const std::vector<std::shared_ptr<Graphics::Bitmap>> held = FileSystem::LockCachedBitmaps();
+        rootSpace.LoadScheduledLevels(*this);
+    }
+    // What no object holds any more leaves the card.
+    if (graphics.IsRunning())
+    {
+        graphics.ReleaseUnusedTextures();
+    }
     return true;
 }
 

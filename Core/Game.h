@@ -17,6 +17,11 @@
 #include <thread>
 #include <vector>
 
+namespace Debug
+{
+struct ProfileRecord;
+}
+
 namespace Core
 {
 
@@ -76,6 +81,8 @@ private:
     // Loads scheduled levels; true if any was scheduled.
     bool LoadScheduledLevels();
     void HandleGameEvents();
+    // The F1 overlay: transform axes, the previous frame's profile and the frame rate.
+    void DrawDebugOverlay(const std::vector<Debug::ProfileRecord>& previousProfile);
     // Shows the window with the swap interval set, once every system runs.
     void ShowWindow();
     // Builds the global table Game and the global MainSpace; run once, after all script types exist.

@@ -98,6 +98,12 @@ bool ReplaceFileContent(const std::string& path, std::initializer_list<std::stri
         errno = EINVAL;
         return false;
     }
+    // No file has an empty name; refused before a temporary file of the whole content is written for it.
+    if (path.empty())
+    {
+        errno = ENOENT;
+        return false;
+    }
     struct stat existing = {};
     const bool exists = stat(path.c_str(), &existing) == 0;
     if (exists && !S_ISREG(existing.st_mode))

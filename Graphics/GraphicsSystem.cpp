@@ -1,13 +1,73 @@
 #include "Graphics/GraphicsSystem.h"
 
+#include "Components/Space.h"
+#include "Debug/Logger.h"
 #include "Debug/Profile.h"
+#include "FileSystem/AssetManager.h"
+#include "Graphics/Bitmap.h"
+#include "Graphics/DrawableScripts.h"
 #include "Graphics/GLContext.h"
+#include "Lua/LuaSystem.h"
 
 #include <SDL.h>
+#include <algorithm>
 #include <epoxy/gl.h>
 
 namespace Graphics
 {
+namespace
+{
+
+// The unit quad: its corner at the local origin is its top left, and it lies below and to the right.
+constexpr float kQuadVertices[] = {0.0f, 0.0f, 1.0f, 0.0f, 1.0f, -1.0f, 0.0f, -1.0f};
+constexpr uint32_t kQuadIndices[] = {0, 1, 2, 2, 3, 0};
+constexpr float kDegreesPerRadian = 57.29578f;
+
+bool DrawsBefore(const Drawable& a, const Drawable& b)
+{
+    if (a.z != b.z)
+    {
+        return a.z < b.z;
+    }
+    if (a.handle != b.handle)
+    {
+        return a.handle < b.handle;
+    }
+    return a.index < b.index;
+}
+
+// The z of the owner's transform, 0 for an owner whose transform has gone: it still has a place in the
+// order, and its Draw reports the missing transform.
+int32_t SortDepth(const GameObjectHandle& owner, Space& space)
+{
+    const GameObject* object = space.FindObject(owner);
+    if (object == nullptr)
+    {
+        return 0;
+    }
+    const Components::TransformComponent* transform =
+        space.transforms.components.Find(object->GetTransform());
+    return transform != nullptr ? transform->z : 0;
+}
+
+template <typename T>
+void Gather(std::vector<Drawable>& drawables, Components::ComponentFactory<T>& factory, Space& space,
+            const char* blockName)
+{
+    const Debug::ProfileBlock block(blockName);
+    for (T& component : factory.components)
+    {
+        if (!component.visible || component.destroyed)
+        {
+            continue;
+        }
+        drawables.push_back(Drawable{&component, static_cast<int64_t>(component.owner.handle.Value()),
+                                     SortDepth(component.owner, space),
+                                     static_cast<uint32_t>(drawables.size())});
+    }
+}
+
+} // namespace
 
 bool GraphicsSystem::Initialise(Core::Window* window)
 {
@@ -16,15 +76,79 @@ bool GraphicsSystem::Initialise(Core::Window* window)
         return false;
     }
     LoadGLFunctions();
+    CreateQuad();
+    LoadPrograms();
+    LoadFont();
+    glClearColor(0.875f, 0.875f, 0.875f, 1.0f);
+    CheckGLError(__FILE__, __LINE__);
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    CheckGLError(__FILE__, __LINE__);
     return true;
 }
 
-void GraphicsSystem::Update(Core::Game&, Space&, double, double, double)
+// Both buffers stay bound for the life of the context: every quad and debug square draws from them.
+void GraphicsSystem::CreateQuad()
 {
+    glGenBuffers(1, &vertexBuffer);
+    glBindBuffer(GL_ARRAY_BUFFER, vertexBuffer);
+    glBufferData(GL_ARRAY_BUFFER, sizeof(kQuadVertices), kQuadVertices, GL_STATIC_DRAW);
+    CheckGLError(__FILE__, __LINE__);
+    glGenBuffers(1, &indexBuffer);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indexBuffer);
+    glBufferData(GL_ELEMENT_ARRAY_BUFFER, sizeof(kQuadIndices), kQuadIndices, GL_STATIC_DRAW);
+    CheckGLError(__FILE__, __LINE__);
 }
 
-void GraphicsSystem::RegisterScriptTypes(Lua::LuaSystem&)
+void GraphicsSystem::LoadPrograms()
 {
+    const std::string vertex = FileSystem::LoadTextFile("Shaders/Vert.glsl");
+    const std::string fragment = FileSystem::LoadTextFile("Shaders/Frag.glsl");
+    const std::string debugVertex = FileSystem::LoadTextFile("Shaders/VertDEBUG.glsl");
+    const std::string debugFragment = FileSystem::LoadTextFile("Shaders/FragDEBUG.glsl");
+    debugProgram = Shaders::RenderProgram(debugVertex, debugFragment, "Debug Shader");
+    CheckGLError(__FILE__, __LINE__);
+    textureProgram = Shaders::RenderProgram(vertex, fragment, "Texture Shader");
+    CheckGLError(__FILE__, __LINE__);
+}
+
+void GraphicsSystem::Update(Core::Game&, Space& space, double, double, double)
+{
+    const Debug::ProfileBlock block("Graphics");
+    GatherDrawables(space);
+    const Debug::ProfileBlock render("Render graphics");
+    CheckGLError(__FILE__, __LINE__);
+    {
+        const Debug::ProfileBlock drawableBlock("Drawable");
+        for (const Drawable& drawable : drawables)
+        {
+            drawable.component->Draw(*this, space);
+        }
+    }
+    UseProgram(&debugProgram);
+    DrawDebugSquares();
+    DrawDebugCircles();
+    DrawDebugLines();
+    debugSquares.clear();
+    debugCircles.clear();
+    debugLines.clear();
+}
+
+void GraphicsSystem::GatherDrawables(Space& space)
+{
+    drawables.clear();
+    drawables.reserve(space.sprites.Count() + space.squares.Count());
+    const Debug::ProfileBlock block("Setup render");
+    Gather(drawables, space.squares, space, "Add SquareComponents");
+    Gather(drawables, space.sprites, space, "Add Sprite Components");
+    Gather(drawables, space.textSprites, space, "Add Text Components");
+    const Debug::ProfileBlock sortBlock("Sort");
+    std::sort(drawables.begin(), drawables.end(), DrawsBefore);
+}
+
+void GraphicsSystem::RegisterScriptTypes(Lua::LuaSystem& lua)
+{
+    RegisterDrawableScriptTypes(lua.state);
 }
 
 void GraphicsSystem::ObjectsDestroyed(Core::Game&, Space&)
@@ -33,6 +157,18 @@ void GraphicsSystem::ObjectsDestroyed(Core::Game&, Space&)
 
 void GraphicsSystem::Shutdown()
 {
+    for (const std::shared_ptr<Bitmap>& bitmap : textures)
+    {
+        if (bitmap->texture != 0)
+        {
+            glDeleteTextures(1, &bitmap->texture);
+            bitmap->texture = 0;
+        }
+    }
+    textures.clear();
+    font.reset();
+    currentProgram = nullptr;
+    Logger::Log("Graphics", LogLevel::Info, "Graphics is cleaning up");
     DestroyGLContext(*this);
 }
 
@@ -89,6 +225,77 @@ void GraphicsSystem::ClearFrame()
     CheckGLError(__FILE__, __LINE__);
     glClear(GL_COLOR_BUFFER_BIT);
     CheckGLError(__FILE__, __LINE__);
+}
+
+void GraphicsSystem::UseProgram(Shaders::Program* program)
+{
+    if (currentProgram == program)
+    {
+        return;
+    }
+    if (currentProgram != nullptr)
+    {
+        currentProgram->Unbind();
+    }
+    program->Bind();
+    currentProgram = program;
+}
+
+void GraphicsSystem::DrawQuad(Vec2 position, Vec2 pivot, Vec2 scale, const std::shared_ptr<Bitmap>& bitmap,
+                              const UVRect& uv, const Colour& colour, float rotation)
+{
+    UseProgram(&textureProgram);
+    if (bitmap->texture == 0)
+    {
+        UploadTexture(bitmap);
+    }
+    glMatrixMode(GL_MODELVIEW);
+    glLoadIdentity();
+    glTranslatef(position.x, position.y, 0.0f);
+    glRotatef(rotation * kDegreesPerRadian, 0.0f, 0.0f, 1.0f);
+    glScalef(scale.x, scale.y, 1.0f);
+    glTranslatef(-pivot.x, -pivot.y, 0.0f);
+    glBindTexture(GL_TEXTURE_2D, bitmap->texture);
+    // The shader takes the rectangle as top, right, bottom, left.
+    glUniform4f(textureProgram.uvArray, uv.top, uv.right, uv.bottom, uv.left);
+    glUniform4f(textureProgram.triangleColor, colour.r, colour.g, colour.b, colour.a);
+    glUniform1i(textureProgram.textureColor, 0);
+    glDrawElements(GL_TRIANGLES, 6, GL_UNSIGNED_INT, nullptr);
+}
+
+void GraphicsSystem::UploadTexture(const std::shared_ptr<Bitmap>& bitmap)
+{
+    glGenTextures(1, &bitmap->texture);
+    glBindTexture(GL_TEXTURE_2D, bitmap->texture);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, static_cast<GLsizei>(bitmap->width),
+                 static_cast<GLsizei>(bitmap->height), 0, GL_RGBA, GL_UNSIGNED_BYTE, bitmap->pixels.get());
+    CheckGLError(__FILE__, __LINE__);
+    textures.push_back(bitmap);
+}
+
+// A bitmap whose only owner is this list has no user left: its texture goes, and so does the last
+// reference, after the texture, so the bitmap never dies with a texture on the card.
+uint32_t GraphicsSystem::ReleaseUnusedTextures()
+{
+    uint32_t released = 0;
+    size_t index = 0;
+    while (index < textures.size())
+    {
+        std::shared_ptr<Bitmap>& bitmap = textures[index];
+        if (bitmap.use_count() != 1)
+        {
+            ++index;
+            continue;
+        }
+        glDeleteTextures(1, &bitmap->texture);
+        bitmap->texture = 0;
+        bitmap = std::move(textures.back());
+        textures.pop_back();
+        ++released;
+    }
+    return released;
 }
 
 } // namespace Graphics

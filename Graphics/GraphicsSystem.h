@@ -1,29 +1,67 @@
 #pragma once
 
-// The engine system that owns the GL context and the camera. World coordinates have y up; screen
-// coordinates have their origin in the top left corner, y down, in pixels. The camera is a centre and the
-// height of the visible world; the visible width follows from the window's shape.
+// The engine system that owns the GL context, the two render programs, the unit quad, the camera, the
+// textures on the card and the debug draw queues. Once per frame and Space it gathers the Space's visible
+// drawables, sorts them by their transform's z and draws them, one quad per sprite and per glyph: there is
+// no batching and no depth buffer, so the sort alone decides what covers what.
+//
+// World coordinates have y up; screen coordinates have their origin in the top left corner, y down, in
+// pixels. The camera is a centre and the height of the visible world; the visible width follows from the
+// window's shape. Everything here runs on the game loop's thread, the one the context is current on.
 
 #include "Components/Vec2.h"
 #include "Core/System.h"
+#include "Graphics/Colour.h"
+#include "Graphics/DebugShapes.h"
+#include "Graphics/Shaders/RenderProgram.h"
 
+#include <array>
 #include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
 
 struct SDL_Window;
 
+namespace Debug
+{
+struct ProfileRecord;
+}
+
+namespace Components::Graphics
+{
+class GraphicsComponent;
+}
+
 namespace Graphics
 {
+
+class Bitmap;
+
+// One entry of a Space's draw list: what to draw and its sort key. The gather index breaks the last ties,
+// so the order never depends on the sort's method.
+struct Drawable
+{
+    Components::Graphics::GraphicsComponent* component;
+    int64_t handle;
+    int32_t z;
+    uint32_t index;
+};
 
 class GraphicsSystem final : public Core::System
 {
 public:
     const char* Name() const override { return "Graphics"; }
-    // Creates the context on the window and checks the entry points; false only without a window.
+    // Creates the context on the window, the quad, the programs and the font; false only without a window.
     bool Initialise(Core::Window* window) override;
     void Update(Core::Game& game, Space& space, double dt, double spaceTime, double absoluteTime) override;
+    // Square, Sprite and TextSprite get their script functions.
     void RegisterScriptTypes(Lua::LuaSystem& lua) override;
     void ObjectsDestroyed(Core::Game& game, Space& space) override;
     void Shutdown() override;
+
+    // True between Initialise and Shutdown: only then may anything draw or queue shapes.
+    bool IsRunning() const { return renderContext != nullptr; }
 
     // Stores the camera and sets the projection to show size world units from top to bottom.
     void SetCamera(Vec2 position, float size);
@@ -35,16 +73,76 @@ public:
     // Clears the colour buffer at the start of a frame.
     void ClearFrame();
 
+    // Makes the program current, unbinding the previous one; nothing if it is current already.
+    void UseProgram(Shaders::Program* program);
+    // One textured quad: the unit quad scaled, turned about position and moved so that pivot (in quad
+    // units) lies on position. Uploads the bitmap on its first use.
+    void DrawQuad(Vec2 position, Vec2 pivot, Vec2 scale, const std::shared_ptr<Bitmap>& bitmap,
+                  const UVRect& uv, const Colour& colour, float rotation);
+    void UploadTexture(const std::shared_ptr<Bitmap>& bitmap);
+    // Deletes the textures of bitmaps that nothing but this list holds; returns how many went.
+    uint32_t ReleaseUnusedTextures();
+
+    // Text in the font, one quad per byte up to the first NUL. The cursor starts at origin, in glyph cells
+    // from position with x growing to the left; each glyph, blank or tab moves it 0.75 to the right, a line
+    // feed starts a new line one cell lower.
+    void DrawString(Vec2 position, Vec2 origin, const char* text, float rotation, Vec2 scale,
+                    const Colour& colour);
+    // DrawString unrotated at scale 1, with the texture program made current first.
+    void DrawText(Vec2 position, const char* text, const Colour& colour);
+
+    void AddDebugSquare(Vec2 position, Vec2 size, const Colour& colour, float rotation, bool outline);
+    void AddDebugCircle(Vec2 position, Vec2 size, const Colour& colour, float rotation, bool outline,
+                        int32_t segments);
+    void AddDebugLine(Vec2 start, Vec2 end, const Colour& colour);
+    // A line with a head of two strokes at 45 degrees; a zero-length arrow has a head of NaNs.
+    void AddDebugArrow(Vec2 start, Vec2 end, const Colour& colour);
+    // The profile of the previous frame as rows of bars along the bottom of the window.
+    void DrawProfile(const std::vector<Debug::ProfileRecord>& records);
+
+    // Asks for a PNG of the frame's picture, written once the frame has been drawn.
+    void RequestScreenshot(std::string fileName);
+    // Writes every screenshot asked for in this frame; call after the last drawing, before the swap.
+    void WriteScreenshots();
+
     // The context, as the platform gives it: the window it draws on and the GL context itself.
     SDL_Window* deviceContext = nullptr;
     void* renderContext = nullptr;
+    std::vector<std::shared_ptr<Bitmap>> textures;
+    std::shared_ptr<Bitmap> font;
+    // One rectangle of the font per byte value.
+    std::array<UVRect, 256> glyphs = {};
     uint32_t screenWidth = 0;
     uint32_t screenHeight = 0;
     float cameraSize = 20.0f;
     // Height over width.
     float aspect = 1.0f;
     bool vsync = true;
+    Shaders::RenderProgram textureProgram;
+    Shaders::RenderProgram debugProgram;
     Vec2 cameraPosition;
+    Shaders::Program* currentProgram = nullptr;
+    std::vector<DebugSquare> debugSquares;
+    std::vector<DebugCircle> debugCircles;
+    std::vector<DebugLine> debugLines;
+    uint32_t indexBuffer = 0;
+    uint32_t vertexBuffer = 0;
+
+private:
+    void CreateQuad();
+    void LoadPrograms();
+    void LoadFont();
+    void GatherDrawables(Space& space);
+    void DrawDebugSquares();
+    void DrawDebugCircles();
+    void DrawDebugLines();
+    void DrawProfileRow(const std::vector<Debug::ProfileRecord>& records, Vec2 origin, Vec2 size,
+                        const std::vector<int32_t>& children, double total);
+
+    // Rebuilt for every Space, keeping its capacity, so a steady frame allocates nothing.
+    std::vector<Drawable> drawables;
+    std::vector<std::string> pendingScreenshots;
+    std::vector<uint8_t> screenshotPixels;
 };
 
 } // namespace Graphics

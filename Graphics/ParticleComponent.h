@@ -1,6 +1,7 @@
 #pragma once
 
-// A particle effect drawn at its transform. Its state comes with the graphics system.
+// A particle effect drawn at its transform. Its particles come with the particle system; until then it
+// takes its place among the drawables and draws nothing.
 
 #include "Graphics/GraphicsComponent.h"
 
@@ -13,6 +14,8 @@ class ParticleComponent : public GraphicsComponent
 {
 public:
     explicit ParticleComponent(GameObjectHandle ownerHandle) : GraphicsComponent(ownerHandle) {}
+
+    void Draw(::Graphics::GraphicsSystem&, Space&) override {}
 
     uint32_t slot = 0;
 };

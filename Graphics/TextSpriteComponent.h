@@ -1,10 +1,13 @@
 #pragma once
 
-// A line of text drawn at its transform. Its state comes with the graphics system.
+// A string in the engine's bitmap font at its transform: one glyph per byte, the transform's position the
+// top left corner of the first cell, its own scale the size of a cell in world units.
 
+#include "Graphics/Colour.h"
 #include "Graphics/GraphicsComponent.h"
 
 #include <cstdint>
+#include <string>
 
 namespace Components::Graphics
 {
@@ -14,6 +17,10 @@ class TextSpriteComponent : public GraphicsComponent
 public:
     explicit TextSpriteComponent(GameObjectHandle ownerHandle) : GraphicsComponent(ownerHandle) {}
 
+    void Draw(::Graphics::GraphicsSystem& graphics, Space& space) override;
+
+    ::Graphics::Colour colour;
+    std::string text;
     uint32_t slot = 0;
 };
 

@@ -226,7 +226,6 @@ bool FinishLevelLoad(lua_State* L, Space& space, int top)
         lua_settop(L, top);
         return false;
     }
-    // The camera goes back to its start here once the graphics system exists.
     lua_settop(L, top);
     return true;
 }

@@ -3,9 +3,10 @@
 // Spawn of the handler's own script environment, which later starts it as a coroutine of that script.
 
 #include "Components/ColliderComponent.h"
+#include "Lua/ScriptArguments.h"
 #include "Lua/ScriptHandles.h"
 #include "Lua/Stack.h"
-#include "Physics/ScriptArguments.h"
+#include "Physics/ComponentScripts.h"
 
 #include <string_view>
 
@@ -13,6 +14,10 @@ namespace Physics
 {
 namespace
 {
+
+using Lua::CheckBoolean;
+using Lua::CheckFloat;
+using Lua::CheckVec2;
 
 using Components::ColliderComponent;
 using Components::ColliderType;

@@ -1,5 +1,6 @@
 #include "Physics/Integration.h"
 
+#include "Graphics/GraphicsSystem.h"
 #include "Physics/VectorMath.h"
 
 using Components::RigidBodyComponent;
@@ -20,7 +21,7 @@ Vec2 DragForce(const RigidBodyComponent& body, float drag)
 }
 
 void Integrate(Slotmap<RigidBodyComponent>& bodies, Slotmap<TransformComponent>& transforms, Vec2 gravity,
-               float drag, float dt)
+               float drag, float dt, Graphics::GraphicsSystem* debugDraw)
 {
     const uint32_t count = bodies.size();
     for (uint32_t place = 0; place < count; ++place)
@@ -31,11 +32,20 @@ void Integrate(Slotmap<RigidBodyComponent>& bodies, Slotmap<TransformComponent>&
         {
             continue;
         }
-        const Vec2 force = gravity + DragForce(body, drag);
+        const Vec2 dragForce = DragForce(body, drag);
+        const Vec2 force = gravity + dragForce;
         body.velocity.x += force.x * dt / body.mass;
         body.velocity.y += force.y * dt / body.mass;
         transform->position.x += body.velocity.x * dt;
         transform->position.y += body.velocity.y * dt;
+        if (debugDraw != nullptr)
+        {
+            const Vec2 position = transform->GetWorldPosition();
+            debugDraw->AddDebugArrow(position, position + dragForce,
+                                     Graphics::Colour{0.0f, 0.0f, 1.0f, 1.0f});
+            debugDraw->AddDebugArrow(position, position + body.velocity,
+                                     Graphics::Colour{0.0f, 0.0f, 0.0f, 1.0f});
+        }
     }
 }
 

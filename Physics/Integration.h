@@ -7,6 +7,11 @@
 #include "Components/Slotmap.h"
 #include "Components/TransformComponent.h"
 
+namespace Graphics
+{
+class GraphicsSystem;
+}
+
 namespace Physics
 {
 
@@ -15,8 +20,10 @@ Vec2 DragForce(const Components::RigidBodyComponent& body, float drag);
 
 // Walks the bodies in array order. Gravity is a force like drag, so it is divided by the mass. A body is
 // moved while it is flagged for removal, up to the sweep; one without mass (HasMass) or whose transform is
-// gone stays as it is.
+// gone stays as it is. With debugDraw, each moved body shows its drag force (blue) and its new velocity
+// (black) as arrows from its new world position.
 void Integrate(Slotmap<Components::RigidBodyComponent>& bodies,
-               Slotmap<Components::TransformComponent>& transforms, Vec2 gravity, float drag, float dt);
+               Slotmap<Components::TransformComponent>& transforms, Vec2 gravity, float drag, float dt,
+               Graphics::GraphicsSystem* debugDraw = nullptr);
 
 } // namespace Physics

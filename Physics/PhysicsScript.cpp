@@ -5,16 +5,20 @@
 
 #include "Components/GameObject.h"
 #include "Components/Space.h"
+#include "Lua/ScriptArguments.h"
 #include "Lua/ScriptHandles.h"
 #include "Lua/Stack.h"
+#include "Physics/ComponentScripts.h"
 #include "Physics/PhysicsSystem.h"
 #include "Physics/Raycast.h"
-#include "Physics/ScriptArguments.h"
 
 namespace Physics
 {
 namespace
 {
+
+using Lua::CheckFloat;
+using Lua::CheckVec2;
 
 PhysicsSystem& UpvalueSystem(lua_State* L)
 {

@@ -2,6 +2,7 @@
 
 #include "Core/Game.h"
 #include "Debug/Profile.h"
+#include "Physics/ColliderOutlines.h"
 #include "Physics/Integration.h"
 #include "Physics/PhysicsScript.h"
 #include "Physics/Response.h"
@@ -17,26 +18,34 @@ bool PhysicsSystem::Initialise(Core::Window*)
     return true;
 }
 
-void PhysicsSystem::Update(Core::Game&, Space& space, double dt, double, double)
+void PhysicsSystem::Update(Core::Game& game, Space& space, double dt, double, double)
 {
     // A space without bodies or colliders has nothing to step: menus and HUDs cost no profile blocks.
     if (space.paused || (space.rigidBodies.Count() == 0 && space.colliders.Count() == 0))
     {
         return;
     }
-    Step(space, static_cast<float>(dt));
+    // Shapes may be queued only while something drains them.
+    Graphics::GraphicsSystem* debugDraw =
+        game.debugDraw && game.graphics.IsRunning() ? &game.graphics : nullptr;
+    Step(space, static_cast<float>(dt), debugDraw);
 }
 
-void PhysicsSystem::Step(Space& space, float dt)
+void PhysicsSystem::Step(Space& space, float dt, Graphics::GraphicsSystem* debugDraw)
 {
     Debug::ProfileBlock block("Physics");
     {
         Debug::ProfileBlock velocity("Velocity");
-        Integrate(space.rigidBodies.components, space.transforms.components, gravity, drag, dt);
+        Integrate(space.rigidBodies.components, space.transforms.components, gravity, drag, dt, debugDraw);
     }
     {
         Debug::ProfileBlock detection("Collision Detection");
         contactFinder.FindContacts(space, contacts);
+    }
+    if (debugDraw != nullptr)
+    {
+        Debug::ProfileBlock outlines("Debug Draw Colliders");
+        DrawColliders(space, *debugDraw);
     }
     Debug::ProfileBlock response("Collision Response");
     RespondToContacts(space, contacts, collisionListener);

@@ -17,6 +17,11 @@
 
 #include <vector>
 
+namespace Graphics
+{
+class GraphicsSystem;
+}
+
 namespace Physics
 {
 
@@ -37,8 +42,8 @@ public:
     // Stops sending contacts to scripts: the Lua state goes before the physics.
     void Shutdown() override;
 
-    // One step of the space, paused or not.
-    void Step(Space& space, float dt);
+    // One step of the space, paused or not. With debugDraw, bodies show arrows and colliders outlines.
+    void Step(Space& space, float dt, Graphics::GraphicsSystem* debugDraw = nullptr);
 
     // A constant force on every body, divided by its mass like any other.
     Vec2 gravity;

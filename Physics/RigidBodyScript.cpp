@@ -1,14 +1,19 @@
 // The "RigidBody" script type. Each function resolves its handle anew and narrows numbers to float.
 
 #include "Components/RigidBodyComponent.h"
+#include "Lua/ScriptArguments.h"
 #include "Lua/ScriptHandles.h"
+#include "Physics/ComponentScripts.h"
 #include "Physics/PhysicsScript.h"
-#include "Physics/ScriptArguments.h"
 
 namespace Physics
 {
 namespace
 {
+
+using Lua::CheckBoolean;
+using Lua::CheckFloat;
+using Lua::CheckVec2;
 
 int GetAllMembers(lua_State* L)
 {

@@ -5,6 +5,7 @@
 #include "Support/LogCapture.h"
 #include "Support/OffscreenWindow.h"
 #include "Support/RaiseCheck.h"
+#include "Support/TempFolder.h"
 
 #include <array>
 #include <epoxy/gl.h>
@@ -13,11 +14,12 @@
 namespace
 {
 
-// A window with the graphics system's context current on this thread.
+// A window with the graphics system's context current on this thread, started in a Data folder with the
+// shipped shaders and font.
 class GLContext : public testing::Test
 {
 protected:
-    GLContext() : window(OpenOffscreenWindow(800, 600)) {}
+    GLContext() : cwd(data.Path()), window(OpenOffscreenWindow(800, 600)) { CopyDrawingData(data.Path()); }
 
     void SetUp() override
     {
@@ -29,6 +31,8 @@ protected:
 
     void TearDown() override { graphics.Shutdown(); }
 
+    TempFolder data;
+    ScopedWorkingDirectory cwd;
     std::unique_ptr<Core::Window> window;
     Graphics::GraphicsSystem graphics;
 };

@@ -5,6 +5,10 @@
 
 #include "Core/Window.h"
 
+#include <filesystem>
 #include <memory>
 
 std::unique_ptr<Core::Window> OpenOffscreenWindow(int32_t width = 640, int32_t height = 480);
+
+// Copies the repository's shaders and font into the folder, which a game then draws with.
+void CopyDrawingData(const std::filesystem::path& folder);

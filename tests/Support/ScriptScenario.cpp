@@ -1,11 +1,19 @@
 #include "Support/ScriptScenario.h"
 
+#include "Support/OffscreenWindow.h"
+
 #include <fstream>
 #include <lua.hpp>
 #include <sstream>
 
-ScriptScenario::ScriptScenario() : cwd(data.Path()), game(nullptr, Core::GameSettings{})
+ScriptScenario::ScriptScenario(bool windowed)
+    : cwd(data.Path()), window(windowed ? OpenOffscreenWindow(800, 600) : nullptr),
+      game(window.get(), Core::GameSettings{})
 {
+    if (windowed)
+    {
+        CopyDrawingData(data.Path());
+    }
 }
 
 void ScriptScenario::SetUp()

@@ -6,6 +6,7 @@
 // at the descriptor and returned.
 
 #include "Core/Game.h"
+#include "Core/Window.h"
 #include "Support/LogCapture.h"
 #include "Support/TempFolder.h"
 
@@ -15,7 +16,8 @@
 class ScriptScenario : public testing::Test
 {
 protected:
-    ScriptScenario();
+    // A windowed game also starts graphics, with the shipped shaders and font in its Data folder.
+    explicit ScriptScenario(bool windowed = false);
     void SetUp() override;
     // Ends the game and checks that no script component or object was left holding references.
     void TearDown() override;
@@ -38,6 +40,7 @@ protected:
 
     TempFolder data;
     ScopedWorkingDirectory cwd;
+    std::unique_ptr<Core::Window> window;
     Core::Game game;
     LogCapture log;
     double clock = 0.0;

@@ -39,6 +39,18 @@ void PrepareDirectory(const RunOptions& options, const fs::path& directory)
         fs::remove_all(target);
         fs::copy(fs::path(QUELLMAR_E2E_DATA) / options.dataFolder, target, fs::copy_options::recursive);
     }
+    // Every game draws with shaders and a font: a Data folder without its own gets the shipped ones.
+    if (fs::is_directory(directory / "Data"))
+    {
+        for (const char* shipped : {"Shaders", "Fonts"})
+        {
+            if (!fs::exists(directory / "Data" / shipped))
+            {
+                fs::copy(fs::path(QUELLMAR_SHIPPED_DATA) / shipped, directory / "Data" / shipped,
+                         fs::copy_options::recursive);
+            }
+        }
+    }
     fs::create_directories(directory / "home");
     fs::create_directories(directory / "xdg");
 }
@@ -289,4 +301,24 @@ std::string ReadFile(const std::filesystem::path& path)
     std::ostringstream text;
     text << file.rdbuf();
     return text.str();
+}
+
+RunDirectory::RunDirectory()
+{
+    std::string pattern = (fs::temp_directory_path() / "quellmar-run-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr)
+    {
+        throw std::runtime_error("mkdtemp failed");
+    }
+    path = pattern;
+}
+
+RunDirectory::~RunDirectory()
+{
+    fs::remove_all(path);
+}
+
+void RunDirectory::Write(const std::string& name, const std::string& text) const
+{
+    std::ofstream(path / name, std::ios::binary) << text;
 }

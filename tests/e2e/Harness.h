@@ -47,6 +47,20 @@ struct RunResult
 
 RunResult RunEngine(const RunOptions& options);
 
+// A fresh temporary directory for runs that keep their directory, removed with everything in it.
+class RunDirectory
+{
+public:
+    RunDirectory();
+    ~RunDirectory();
+    RunDirectory(const RunDirectory&) = delete;
+    RunDirectory& operator=(const RunDirectory&) = delete;
+
+    void Write(const std::string& name, const std::string& text) const;
+
+    std::filesystem::path path;
+};
+
 // Lines of a text, without their line ends.
 std::vector<std::string> SplitLines(const std::string& text);
 

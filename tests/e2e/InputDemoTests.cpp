@@ -17,30 +17,6 @@ namespace fs = std::filesystem;
 constexpr int kRaiseExitCode = 3;
 
 // A directory for one test's runs, removed afterwards.
-class RunDirectory
-{
-public:
-    RunDirectory()
-    {
-        std::string pattern = (fs::temp_directory_path() / "quellmar-demo-XXXXXX").string();
-        if (mkdtemp(pattern.data()) == nullptr)
-        {
-            throw std::runtime_error("mkdtemp failed");
-        }
-        path = pattern;
-    }
-    ~RunDirectory() { fs::remove_all(path); }
-    RunDirectory(const RunDirectory&) = delete;
-    RunDirectory& operator=(const RunDirectory&) = delete;
-
-    void Write(const std::string& name, const std::string& text) const
-    {
-        std::ofstream(path / name, std::ios::binary) << text;
-    }
-
-    fs::path path;
-};
-
 // Plays the demo text on the listening level; the demo must end the game itself.
 RunResult Play(const std::string& demo, std::vector<std::string> arguments = {})
 {

@@ -1,17 +1,24 @@
 #pragma once
 
-// Number arguments of the physics script functions, read as Lua numbers and narrowed to float.
+// Number, point and boolean arguments of script functions. Numbers are read as Lua numbers (a numeric
+// string counts) and narrowed to float; the errors are Lua's own argument errors.
 
 #include "Components/Vec2.h"
 
 #include <lua.hpp>
 
-namespace Physics
+namespace Lua
 {
 
 inline float CheckFloat(lua_State* L, int index)
 {
     return static_cast<float>(luaL_checknumber(L, index));
+}
+
+// An optional number: nil or a missing argument gives the fallback.
+inline float OptFloat(lua_State* L, int index, float fallback)
+{
+    return static_cast<float>(luaL_optnumber(L, index, fallback));
 }
 
 inline Vec2 CheckVec2(lua_State* L, int index)
@@ -27,8 +34,4 @@ inline bool CheckBoolean(lua_State* L, int index)
     return lua_toboolean(L, index) != 0;
 }
 
-// Makes the metatables of the two component types.
-void RegisterRigidBodyScriptType(lua_State* L);
-void RegisterColliderScriptType(lua_State* L);
-
-} // namespace Physics
+} // namespace Lua

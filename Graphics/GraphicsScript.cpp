@@ -1,0 +1,144 @@
+// The Graphics table. Its functions carry the system as their upvalue and are called with a colon:
+// argument 1 is the table and isn't looked at. An optional argument counts as absent when it is nil or
+// missing.
+
+#include "Graphics/DrawableScripts.h"
+#include "Graphics/GraphicsSystem.h"
+#include "Lua/ScriptArguments.h"
+#include "Lua/Stack.h"
+
+#include <epoxy/gl.h>
+
+namespace Graphics
+{
+namespace
+{
+
+using Lua::CheckFloat;
+using Lua::CheckVec2;
+using Lua::OptFloat;
+
+GraphicsSystem& UpvalueSystem(lua_State* L)
+{
+    auto* graphics = static_cast<GraphicsSystem*>(lua_touserdata(L, lua_upvalueindex(1)));
+    if (graphics == nullptr)
+    {
+        luaL_error(L, "GraphicsSystem method has a NULL Graphics System!");
+    }
+    return *graphics;
+}
+
+bool OptOutline(lua_State* L, int index)
+{
+    return lua_isnoneornil(L, index) ? false : Lua::CheckBoolean(L, index);
+}
+
+int SetCamera(lua_State* L)
+{
+    GraphicsSystem& graphics = UpvalueSystem(L);
+    const Vec2 position = CheckVec2(L, 2);
+    graphics.SetCamera(position, OptFloat(L, 4, graphics.cameraSize));
+    return 0;
+}
+
+int GetCamera(lua_State* L)
+{
+    const GraphicsSystem& graphics = UpvalueSystem(L);
+    Lua::EnsureStack(L, 3);
+    lua_pushnumber(L, graphics.cameraPosition.x);
+    lua_pushnumber(L, graphics.cameraPosition.y);
+    lua_pushnumber(L, graphics.cameraSize);
+    return 3;
+}
+
+int DebugDrawRect(lua_State* L)
+{
+    GraphicsSystem& graphics = UpvalueSystem(L);
+    const Vec2 position = CheckVec2(L, 2);
+    const Vec2 size = CheckVec2(L, 4);
+    const float r = CheckFloat(L, 6);
+    const float g = CheckFloat(L, 7);
+    const float b = CheckFloat(L, 8);
+    const float a = OptFloat(L, 9, 1.0f);
+    const float rotation = OptFloat(L, 10, 0.0f);
+    const bool outline = OptOutline(L, 11);
+    graphics.AddDebugSquare(position, size, Colour{r, g, b, a}, rotation, outline);
+    return 0;
+}
+
+// Black unless a red follows the text; then green and blue are required too.
+int DebugDrawText(lua_State* L)
+{
+    GraphicsSystem& graphics = UpvalueSystem(L);
+    const Vec2 position = CheckVec2(L, 2);
+    const char* text = luaL_checkstring(L, 4);
+    Colour colour{0.0f, 0.0f, 0.0f, 1.0f};
+    if (!lua_isnoneornil(L, 5))
+    {
+        const float r = CheckFloat(L, 5);
+        const float g = CheckFloat(L, 6);
+        colour = Colour{r, g, CheckFloat(L, 7), OptFloat(L, 8, 1.0f)};
+    }
+    graphics.DrawText(position, text, colour);
+    return 0;
+}
+
+// The clear colour is held by GL alone.
+int SetClearColour(lua_State* L)
+{
+    UpvalueSystem(L);
+    const float r = CheckFloat(L, 2);
+    const float g = CheckFloat(L, 3);
+    glClearColor(r, g, CheckFloat(L, 4), 1.0f);
+    return 0;
+}
+
+int ScreenToWorld(lua_State* L)
+{
+    const GraphicsSystem& graphics = UpvalueSystem(L);
+    const Vec2 world = graphics.ScreenToWorld(CheckVec2(L, 2));
+    Lua::EnsureStack(L, 2);
+    lua_pushnumber(L, world.x);
+    lua_pushnumber(L, world.y);
+    return 2;
+}
+
+int GetScreenSize(lua_State* L)
+{
+    const GraphicsSystem& graphics = UpvalueSystem(L);
+    Lua::EnsureStack(L, 2);
+    lua_pushinteger(L, graphics.screenWidth);
+    lua_pushinteger(L, graphics.screenHeight);
+    return 2;
+}
+
+// The name is relative to Data, like every file name scripts give; the file is written at the end of the
+// frame's drawing, and success or failure is logged then.
+int Screenshot(lua_State* L)
+{
+    GraphicsSystem& graphics = UpvalueSystem(L);
+    size_t length = 0;
+    const char* name = luaL_checklstring(L, 2, &length);
+    graphics.RequestScreenshot(std::string(name, length));
+    return 0;
+}
+
+constexpr luaL_Reg kGraphicsFunctions[] = {
+    {"SetCamera", SetCamera},           {"GetCamera", GetCamera},
+    {"DebugDrawRect", DebugDrawRect},   {"DebugDrawText", DebugDrawText},
+    {"SetClearColour", SetClearColour}, {"SetClearColor", SetClearColour},
+    {"ScreenToWorld", ScreenToWorld},   {"GetScreenSize", GetScreenSize},
+    {"Screenshot", Screenshot},         {nullptr, nullptr},
+};
+
+} // namespace
+
+void PushGraphicsTable(lua_State* L, GraphicsSystem& graphics)
+{
+    Lua::EnsureStack(L, 24);
+    lua_createtable(L, 0, static_cast<int>(std::size(kGraphicsFunctions)) - 1);
+    lua_pushlightuserdata(L, &graphics);
+    luaL_setfuncs(L, kGraphicsFunctions, 1);
+}
+
+} // namespace Graphics

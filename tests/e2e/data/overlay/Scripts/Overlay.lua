@@ -1,0 +1,7 @@
+Game:SetDebugDraw(true)
+for _ = 1, 4 do
+    wait()
+end
+Graphics:Screenshot("overlay.png")
+wait()
+Game.Quit()
