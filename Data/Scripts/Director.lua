@@ -1,6 +1,7 @@
 -- Runs the game: opens the score board, throws comets in from a ring, and ends after `length` seconds of game
 -- time, keeping the best score in the save file. The score board's Space takes this Space's timescale, so
 -- scaling this Space scales all of it. Comets add their bounces to `bounces` in this script's variables.
+Graphics:SetClearColour(0.02, 0.03, 0.12)
 local hud = Space:CreateChildSpace("Levels/Hud.lvl")
 hud:SetTimescale(Space:GetTimescale())
 hud:SetPriority(Space:GetPriority() + 1)

@@ -2,6 +2,8 @@
 // collector's rays see only the main Space, with the main Space at timescale 8: the game takes its clock from
 // the Space that loads it, so 20 s of play take 2.5 s.
 
+#include "FileSystem/BitmapLoader.h"
+#include "Graphics/Bitmap.h"
 #include "Harness.h"
 
 #include <algorithm>
@@ -17,7 +19,8 @@ namespace fs = std::filesystem;
 
 const fs::path kSampleData = fs::path(QUELLMAR_E2E_DATA) / ".." / ".." / ".." / "Data";
 
-// A fresh directory holding a copy of the sample game and a level that starts it fast.
+// A fresh directory holding a copy of the sample game and a level that starts it fast, with a child Space
+// that takes a screenshot a second into the game.
 fs::path MakeGameDirectory()
 {
     std::string directory = (fs::temp_directory_path() / "quellmar-sample-XXXXXX").string();
@@ -26,8 +29,13 @@ fs::path MakeGameDirectory()
         return {};
     }
     fs::copy(kSampleData, fs::path(directory) / "Data", fs::copy_options::recursive);
-    std::ofstream(fs::path(directory) / "Data" / "Levels" / "Fast.lvl")
-        << "MainSpace:SetTimescale(8) MainSpace:LoadLevel('Levels/Start.lvl') return {}\n";
+    const fs::path data = fs::path(directory) / "Data";
+    std::ofstream(data / "Levels" / "Fast.lvl")
+        << "MainSpace:SetTimescale(8) MainSpace:LoadLevel('Levels/Start.lvl') "
+           "MainSpace:CreateChildSpace('Levels/Shot.lvl') return {}\n";
+    std::ofstream(data / "Levels" / "Shot.lvl")
+        << "return { { Name = 'Shooter', Script = 'Scripts/Shot.lua' } }\n";
+    std::ofstream(data / "Scripts" / "Shot.lua") << "wait(1) Graphics:Screenshot('shot.png')\n";
     return directory;
 }
 
@@ -94,7 +102,23 @@ TEST(SampleGame, PlaysToItsEndCatchingBouncingComets)
     ASSERT_FALSE(directory.empty());
     RunResult result;
     const std::vector<std::string> printed = Play(directory, result);
+    const std::shared_ptr<Graphics::Bitmap> shot =
+        FileSystem::LoadBitmapFile((directory / "Data/shot.png").string());
     fs::remove_all(directory);
+    ASSERT_NE(shot, nullptr) << result.output;
+    // The sun in the middle of the screen, and the score in yellow letters in the top left corner.
+    const uint8_t* sun = &shot->pixels[(shot->height / 2 * shot->width + shot->width / 2) * 4];
+    EXPECT_TRUE(sun[0] > 200 && sun[1] > 120 && sun[2] < 120) << +sun[0] << "," << +sun[1] << "," << +sun[2];
+    int scoreInk = 0;
+    for (uint32_t y = 0; y < 40; ++y)
+    {
+        for (uint32_t x = 0; x < 200; ++x)
+        {
+            const uint8_t* pixel = &shot->pixels[(y * shot->width + x) * 4];
+            scoreInk += pixel[0] > 200 && pixel[1] > 150 && pixel[2] < 120 ? 1 : 0;
+        }
+    }
+    EXPECT_GT(scoreInk, 20);
 
     EXPECT_EQ(result.exitCode, 0) << result.errors;
     EXPECT_EQ(result.errors, "");
