@@ -41,11 +41,23 @@ MisuseEnvironments[GameObject.Name] = {
 constexpr const char* kSetupChunk = R"lua(
 -- The engine's generator outlives a game; seeded here, the handlers place their objects alike every run.
 math.randomseed(1)
+-- A game with a window draws, and its objects show a sprite, a square and a text as well.
+local drawing = Graphics ~= nil
 local function Full(space, name, x)
-    return space:CreateObject({ Name = name, Transform = { Position = { x or 0, 0 } }, RigidBody = {},
-                                Collider = {}, Script = "MisuseExpose.lua" })
+    local object = space:CreateObject({ Name = name, Transform = { Position = { x or 0, 0 } }, RigidBody = {},
+                                        Collider = {}, Script = "MisuseExpose.lua" })
+    if drawing then
+        object:AddComponent("Sprite"):SetFrames("Missing.png")
+        object:AddComponent("Square")
+        object:AddComponent("TextSprite"):SetText(name)
+    end
+    return object
 end
 local function WithComponents(object)
+    if drawing then
+        return object, object.Transform, object.RigidBody, object.Collider, object.Script, object.Sprite,
+               object.Square, object.TextSprite
+    end
     return object, object.Transform, object.RigidBody, object.Collider, object.Script
 end
 local host = Full(MainSpace, "Host")
@@ -58,7 +70,8 @@ local lost = Full(doomedSpace, "Lost")
 MisuseHandles = { MainSpace, child, doomedSpace, WithComponents(host) }
 MisuseHandles.host, MisuseHandles.neighbour = host, neighbour
 for _, object in ipairs({ neighbour, guest, doomed, lost }) do
-    table.move({ WithComponents(object) }, 1, 5, #MisuseHandles + 1, MisuseHandles)
+    local components = { WithComponents(object) }
+    table.move(components, 1, #components, #MisuseHandles + 1, MisuseHandles)
 end
 doomed:Destroy()
 doomedSpace:Destroy()
@@ -86,7 +99,12 @@ local function AddFunctions(kind, functions)
     end
 end
 local registry = debug.getregistry()
-for _, kind in ipairs({ "Space", "GameObject", "Transform", "Script", "RigidBody", "Collider" }) do
+local kinds = { "Space", "GameObject", "Transform", "Script", "RigidBody", "Collider" }
+if Graphics then
+    table.move({ "Sprite", "Square", "TextSprite" }, 1, 3, #kinds + 1, kinds)
+    AddFunctions("Graphics", Graphics)
+end
+for _, kind in ipairs(kinds) do
     AddFunctions(kind, registry[kind])
 end
 AddFunctions("Physics", Physics)
@@ -96,8 +114,9 @@ AddFunctions("Save", { Set = function(save, key, value) save[key] = value end,
                        Get = function(save, key) return save[key] end })
 table.sort(targets, function(a, b) return a[1] .. "." .. a[2] < b[1] .. "." .. b[2] end)
 
--- Functions called with a dot take a handler where methods take their handle.
-local selves = { Physics = { Physics }, Input = environment.handlers, Environment = environment.handlers,
+-- Functions called with a dot take a handler where methods take their handle. A drawing game never hears
+-- "Transform" as a component name: a square whose Transform was removed ends the program by design.
+local selves = { Physics = { Physics }, Graphics = { Graphics }, Input = environment.handlers, Environment = environment.handlers,
                  Save = { os.SaveFile } }
 for _, handle in ipairs(handles) do
     local kind = getmetatable(handle).__name
@@ -122,7 +141,7 @@ coroutine.resume(suspended)
 local function Pack(...) return { n = select("#", ...), ... } end
 local pool = Pack(nil, true, false, 0, -1, 1, 2, 0.5, -0.0, 0 / 0, math.huge, -math.huge, math.maxinteger,
     math.mininteger, 2 ^ 53, 2 ^ 63, -2 ^ 63, 1e308, 65535, 65536, 1 << 31, "", "1e999", "0x7fffffffffffffff",
-    " 12 ", "nan", "AABB", "Circle", "Transform", "RigidBody", "Collider", "Script", "Sprite", "Name", "Host",
+    " 12 ", "nan", "AABB", "Circle", Graphics and "Name" or "Transform", "RigidBody", "Collider", "Script", "Sprite", "Name", "Host",
     "MisuseExpose.lua", "Missing.lua", "Levels/Missing.lvl", "/", "\0", string.rep("x", 1000), {}, { 1, 2, 3 },
     { Name = "Made", Transform = { Position = { 0.2, 0 } }, Collider = {} }, { "Missing.arch" }, cyclic, deep,
     raising, tostring, error, function() end, function(...) return ... end, function() return handles end,

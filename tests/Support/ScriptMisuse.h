@@ -2,7 +2,8 @@
 
 // A generator of hostile calls on the script surface of a running game: the methods of spaces, objects,
 // transforms, scripts, bodies and colliders, the Physics table, a script environment's Spawn, wait, dofile
-// and Input, and reads and writes of os.SaveFile. Each call runs in a protected call with its handle, a
+// and Input, reads and writes of os.SaveFile, and in a game that draws, the methods of sprites, squares and
+// texts and the Graphics table. Each call runs in a protected call with its handle, a
 // wrong value or nothing before the colon's place, and arguments from a hostile pool: nil, NaN, infinities,
 // extreme integers, odd strings, cyclic and deep tables, functions, coroutines, live, stale and wrong-type
 // handles. What calls return joins the pool, and frames run now and then, so objects made and destroyed by
