@@ -105,6 +105,10 @@ public:
     // Writes every screenshot asked for in this frame; call after the last drawing, before the swap.
     void WriteScreenshots();
 
+    // The first half of a Space's frame: the Space's visible drawables, sorted into drawables.
+    void GatherDrawables(Space& space);
+    const std::vector<Drawable>& Drawables() const { return drawables; }
+
     // The context, as the platform gives it: the window it draws on and the GL context itself.
     SDL_Window* deviceContext = nullptr;
     void* renderContext = nullptr;
@@ -132,7 +136,6 @@ private:
     void CreateQuad();
     void LoadPrograms();
     void LoadFont();
-    void GatherDrawables(Space& space);
     void DrawDebugSquares();
     void DrawDebugCircles();
     void DrawDebugLines();

@@ -1,14 +1,25 @@
 #include "BenchGame.h"
 
+#include "Support/OffscreenWindow.h"
+
 #include <fstream>
 
-BenchGame::BenchGame(const BenchFiles& files) : cwd(data.Path()), game(nullptr, Core::GameSettings{})
+BenchGame::BenchGame(const BenchFiles& files, bool windowed)
+    : cwd(data.Path()), window(windowed ? OpenOffscreenWindow(800, 600) : nullptr), game(window.get(), {})
 {
     for (const auto& [name, text] : files)
     {
         std::ofstream(data.Path() / name) << text;
     }
+    if (windowed)
+    {
+        CopyDrawingData(data.Path());
+    }
     game.StartSystems();
+    if (windowed)
+    {
+        game.graphics.Resize(800, 600);
+    }
 }
 
 void BenchGame::AttachScript(GameObjectHandle object, const char* fileName)

@@ -1,11 +1,14 @@
 #pragma once
 
 // A game for benchmarks: its systems started, with a temporary folder that holds the given files as the
-// working directory while it lives.
+// working directory while it lives. A windowed game draws offscreen on an 800 × 600 window with the shipped
+// shaders and font, and never swaps.
 
 #include "Core/Game.h"
+#include "Core/Window.h"
 #include "Support/TempFolder.h"
 
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,7 +19,7 @@ using BenchFiles = std::vector<std::pair<std::string, std::string>>;
 class BenchGame
 {
 public:
-    explicit BenchGame(const BenchFiles& files);
+    explicit BenchGame(const BenchFiles& files, bool windowed = false);
     ~BenchGame() { game.LeaveLoop(); }
     BenchGame(const BenchGame&) = delete;
     BenchGame& operator=(const BenchGame&) = delete;
@@ -31,6 +34,7 @@ public:
     static constexpr double kDt = 1.0 / 60.0;
     TempFolder data;
     ScopedWorkingDirectory cwd;
+    std::unique_ptr<Core::Window> window;
     Core::Game game;
     double time = 0.0;
 };
