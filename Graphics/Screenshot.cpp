@@ -33,6 +33,14 @@ void FlipRowsAndMakeOpaque(std::vector<uint8_t>& pixels, size_t width, size_t he
     }
 }
 
+// A name with a NUL fails; its message shows the name up to the NUL.
+void LogFailure(const std::string& fileName, int error)
+{
+    Logger::Log("Graphics", LogLevel::Error,
+                "Failed to save screenshot \"" + std::string(fileName.c_str()) +
+                    "\": " + std::strerror(error));
+}
+
 } // namespace
 
 void GraphicsSystem::RequestScreenshot(std::string fileName)
@@ -49,6 +57,16 @@ void GraphicsSystem::WriteScreenshots()
     int width = 0;
     int height = 0;
     SDL_GL_GetDrawableSize(deviceContext, &width, &height);
+    if (width <= 0 || height <= 0)
+    {
+        // A window without pixels, as a minimised one may be, has no picture to save.
+        for (const std::string& fileName : pendingScreenshots)
+        {
+            LogFailure(fileName, EINVAL);
+        }
+        pendingScreenshots.clear();
+        return;
+    }
     screenshotPixels.resize(static_cast<size_t>(width) * static_cast<size_t>(height) * 4);
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glReadPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, screenshotPixels.data());
@@ -56,17 +74,14 @@ void GraphicsSystem::WriteScreenshots()
     FlipRowsAndMakeOpaque(screenshotPixels, static_cast<size_t>(width), static_cast<size_t>(height));
     for (const std::string& fileName : pendingScreenshots)
     {
-        // A name with a NUL fails; its message shows the name up to the NUL.
-        const std::string name = fileName.c_str();
         if (FileSystem::WritePngFile(fileName, static_cast<uint32_t>(width), static_cast<uint32_t>(height),
                                      screenshotPixels.data()))
         {
-            Logger::Log("Graphics", LogLevel::Info, "Saved screenshot \"" + name + "\"");
+            Logger::Log("Graphics", LogLevel::Info, "Saved screenshot \"" + fileName + "\"");
         }
         else
         {
-            Logger::Log("Graphics", LogLevel::Error,
-                        "Failed to save screenshot \"" + name + "\": " + std::strerror(errno));
+            LogFailure(fileName, errno);
         }
     }
     pendingScreenshots.clear();

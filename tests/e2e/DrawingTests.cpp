@@ -144,17 +144,25 @@ bool SamePixels(const Shot& a, const Shot& b)
            std::equal(a.Pixels().pixels.get(), a.Pixels().pixels.get() + bytes, b.Pixels().pixels.get());
 }
 
+// A windowed run of the test's Data folder in the directory, which keeps the screenshots.
+RunOptions Windowed(const RunDirectory& directory, const char* dataFolder, const char* width,
+                    const char* height)
+{
+    RunOptions options;
+    options.dataFolder = dataFolder;
+    options.directory = directory.path;
+    options.arguments = {"width", width, "height", height, "fullscreen", "n", "vsync", "n"};
+    return options;
+}
+
 TEST(Drawing, ASceneDrawsTheSameInBothThreadModesAndAReleasedTextureComesBack)
 {
     std::vector<std::unique_ptr<Shot>> firstShots;
     for (const char* threaded : {"n", "y"})
     {
         RunDirectory directory;
-        RunOptions options;
-        options.dataFolder = "drawing";
-        options.directory = directory.path;
-        options.arguments = {"width", "800",   "height", "600",           "fullscreen",
-                             "n",     "vsync", "n",      "multithreaded", threaded};
+        RunOptions options = Windowed(directory, "drawing", "800", "600");
+        options.arguments.insert(options.arguments.end(), {"multithreaded", threaded});
         const RunResult result = RunEngine(options);
         ASSERT_EQ(result.exitCode, 0) << threaded << result.errors;
         EXPECT_EQ(LogMessages(result.output, "Graphics", "Info"),
@@ -205,11 +213,7 @@ bool IsBlack(Rgb pixel)
 TEST(Drawing, TheDebugOverlayShowsAxesOutlinesArrowsProfileAndFrameRate)
 {
     RunDirectory directory;
-    RunOptions options;
-    options.dataFolder = "overlay";
-    options.directory = directory.path;
-    options.arguments = {"width", "1000", "height", "500", "fullscreen", "n", "vsync", "n"};
-    const RunResult result = RunEngine(options);
+    const RunResult result = RunEngine(Windowed(directory, "overlay", "1000", "500"));
     ASSERT_EQ(result.exitCode, 0) << result.errors;
     EXPECT_EQ(result.errors, "");
     const Shot shot(directory.path / "Data" / "overlay.png");
@@ -228,10 +232,7 @@ TEST(Drawing, TheDebugOverlayShowsAxesOutlinesArrowsProfileAndFrameRate)
 TEST(Drawing, HostileScriptsAndFilesNeverStopTheDrawing)
 {
     RunDirectory directory;
-    RunOptions options;
-    options.dataFolder = "hostiledrawing";
-    options.directory = directory.path;
-    options.arguments = {"width", "800", "height", "600", "fullscreen", "n", "vsync", "n"};
+    RunOptions options = Windowed(directory, "hostiledrawing", "800", "600");
     // The screenshot of twenty thousand sprites is far larger, the last one far smaller.
     options.fileSizeLimit = 65536;
     options.ignoreFileSizeSignal = true;
