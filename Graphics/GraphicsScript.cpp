@@ -20,12 +20,7 @@ using Lua::OptFloat;
 
 GraphicsSystem& UpvalueSystem(lua_State* L)
 {
-    auto* graphics = static_cast<GraphicsSystem*>(lua_touserdata(L, lua_upvalueindex(1)));
-    if (graphics == nullptr)
-    {
-        luaL_error(L, "GraphicsSystem method has a NULL Graphics System!");
-    }
-    return *graphics;
+    return Lua::UpvalueSystem<GraphicsSystem>(L, "GraphicsSystem method has a NULL Graphics System!");
 }
 
 bool OptOutline(lua_State* L, int index)

@@ -1,7 +1,8 @@
 #pragma once
 
-// Number, point and boolean arguments of script functions. Numbers are read as Lua numbers (a numeric
-// string counts) and narrowed to float; the errors are Lua's own argument errors.
+// Number, point and boolean arguments of script functions, and the system behind a script table. Numbers
+// are read as Lua numbers (a numeric string counts) and narrowed to float; the errors are Lua's own
+// argument errors.
 
 #include "Components/Vec2.h"
 
@@ -25,6 +26,19 @@ inline Vec2 CheckVec2(lua_State* L, int index)
 {
     const float x = CheckFloat(L, index);
     return Vec2{x, CheckFloat(L, index + 1)};
+}
+
+// The system that the functions of a system's script table carry as their first upvalue; the error names
+// what is missing when a script has replaced it.
+template <typename System>
+System& UpvalueSystem(lua_State* L, const char* missing)
+{
+    auto* system = static_cast<System*>(lua_touserdata(L, lua_upvalueindex(1)));
+    if (system == nullptr)
+    {
+        luaL_error(L, "%s", missing);
+    }
+    return *system;
 }
 
 // A boolean argument must really be a boolean: nil and numbers are refused.

@@ -22,12 +22,7 @@ using Lua::CheckVec2;
 
 PhysicsSystem& UpvalueSystem(lua_State* L)
 {
-    auto* physics = static_cast<PhysicsSystem*>(lua_touserdata(L, lua_upvalueindex(1)));
-    if (physics == nullptr)
-    {
-        luaL_error(L, "PhysicsSystem method has a NULL Physics System!");
-    }
-    return *physics;
+    return Lua::UpvalueSystem<PhysicsSystem>(L, "PhysicsSystem method has a NULL Physics System!");
 }
 
 int SetGravity(lua_State* L)
