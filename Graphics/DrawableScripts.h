@@ -1,7 +1,7 @@
 #pragma once
 
-// What scripts see of the drawing: the "Square", "Sprite" and "TextSprite" handle types and the Graphics
-// table. Only a game with a window has them.
+// What scripts see of the drawing: the "Square", "Sprite", "TextSprite" and "Particle" handle types and the
+// Graphics table. Only a game with a window has them.
 
 #include <lua.hpp>
 
@@ -12,6 +12,8 @@ class GraphicsSystem;
 
 // Makes the metatables "Square", "Sprite" and "TextSprite" with their functions.
 void RegisterDrawableScriptTypes(lua_State* L);
+// Makes the metatable "Particle" with its functions.
+void RegisterParticleScriptType(lua_State* L);
 
 // +1: the Graphics table, whose functions carry the system and are called with a colon.
 void PushGraphicsTable(lua_State* L, GraphicsSystem& graphics);

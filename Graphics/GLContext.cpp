@@ -105,6 +105,11 @@ bool CreateGLContext(GraphicsSystem& system, Core::Window* window)
     return true;
 }
 
+bool HasCurrentGLContext()
+{
+    return SDL_GL_GetCurrentContext() != nullptr;
+}
+
 void LoadGLFunctions()
 {
     Logger::Log("Graphics", LogLevel::Debug, "Started GL function Grab");

@@ -19,6 +19,8 @@ class GraphicsSystem;
 // Makes the context on the window, current on the calling thread. A null window logs an Error and gives
 // false; any other failure is fatal.
 bool CreateGLContext(GraphicsSystem& system, Core::Window* window);
+// Whether a GL context is current on the calling thread: GL calls without one abort.
+bool HasCurrentGLContext();
 // Checks, in a fixed order, every entry point that a context may lack; the first one missing is fatal.
 // Needs a current context.
 void LoadGLFunctions();

@@ -15,4 +15,9 @@ GraphicsComponent::GraphicsComponent(GameObjectHandle ownerHandle) : Component(o
     }
 }
 
+GraphicsComponent::GraphicsComponent(GameObjectHandle ownerHandle, LeaveTransformMissing)
+    : Component(ownerHandle), transform(owner.Get().GetTransform())
+{
+}
+
 } // namespace Components::Graphics

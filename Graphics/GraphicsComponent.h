@@ -33,6 +33,14 @@ public:
     // Whether the frame gathers this component.
     bool visible = true;
     Handle transform;
+
+protected:
+    struct LeaveTransformMissing
+    {
+    };
+    // Takes the owner's transform, which may be the null handle: for a drawable that tells of a missing
+    // transform when it adds one itself.
+    GraphicsComponent(GameObjectHandle ownerHandle, LeaveTransformMissing);
 };
 
 } // namespace Components::Graphics

@@ -7,6 +7,8 @@
 #include "Lua/ScriptArguments.h"
 #include "Lua/Stack.h"
 
+#include <algorithm>
+#include <cmath>
 #include <epoxy/gl.h>
 
 namespace Graphics
@@ -118,12 +120,58 @@ int Screenshot(lua_State* L)
     return 0;
 }
 
+// The largest burst, and what the live bursts may hold together, each counting as at least one particle:
+// a script in a loop can't take all memory, nor make the frame crawl through millions of empty bursts.
+constexpr lua_Integer kMaxBurstCount = 100000;
+constexpr uint64_t kMaxSpawnedParticles = 1000000;
+
+float CheckTime(lua_State* L, int index, float fallback)
+{
+    const float time = OptFloat(L, index, fallback);
+    luaL_argcheck(L, std::isfinite(time) && time >= 0.0f, index,
+                  "time must be a finite number of seconds, 0 or more");
+    return time;
+}
+
+// x, y, [scale], [count], [minSpeed], [maxSpeed], [lifeTime], [fadeTime], [r], [g], [b], [a]: a different
+// order from the C++ function's.
+int SpawnParticles(lua_State* L)
+{
+    GraphicsSystem& graphics = UpvalueSystem(L);
+    const Vec2 position = CheckVec2(L, 2);
+    const float scale = OptFloat(L, 4, 0.0625f);
+    const lua_Integer count = luaL_optinteger(L, 5, 128);
+    luaL_argcheck(L, count >= 0 && count <= kMaxBurstCount, 5, "count must be from 0 to 100000");
+    const float minSpeed = OptFloat(L, 6, 1.0f);
+    const float maxSpeed = OptFloat(L, 7, 8.0f);
+    const float lifeTime = CheckTime(L, 8, 0.5f);
+    const float fadeTime = CheckTime(L, 9, static_cast<float>(1.0 / 3.0));
+    const float r = OptFloat(L, 10, 1.0f);
+    const float g = OptFloat(L, 11, 0.0f);
+    const float b = OptFloat(L, 12, 0.0f);
+    const float a = OptFloat(L, 13, 0.75f);
+    if (graphics.SpawnedParticleCount() + static_cast<uint64_t>(std::max<lua_Integer>(count, 1)) >
+        kMaxSpawnedParticles)
+    {
+        return luaL_error(L, "Too many spawned particles: limit %d", static_cast<int>(kMaxSpawnedParticles));
+    }
+    graphics.SpawnParticles(position, Colour{r, g, b, a}, static_cast<uint32_t>(count), minSpeed, maxSpeed,
+                            scale, lifeTime, fadeTime);
+    return 0;
+}
+
 constexpr luaL_Reg kGraphicsFunctions[] = {
-    {"SetCamera", SetCamera},           {"GetCamera", GetCamera},
-    {"DebugDrawRect", DebugDrawRect},   {"DebugDrawText", DebugDrawText},
-    {"SetClearColour", SetClearColour}, {"SetClearColor", SetClearColour},
-    {"ScreenToWorld", ScreenToWorld},   {"GetScreenSize", GetScreenSize},
-    {"Screenshot", Screenshot},         {nullptr, nullptr},
+    {"SetCamera", SetCamera},
+    {"GetCamera", GetCamera},
+    {"DebugDrawRect", DebugDrawRect},
+    {"DebugDrawText", DebugDrawText},
+    {"SetClearColour", SetClearColour},
+    {"SetClearColor", SetClearColour},
+    {"ScreenToWorld", ScreenToWorld},
+    {"GetScreenSize", GetScreenSize},
+    {"Screenshot", Screenshot},
+    {"SpawnParticles", SpawnParticles},
+    {nullptr, nullptr},
 };
 
 } // namespace

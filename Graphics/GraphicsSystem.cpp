@@ -112,9 +112,14 @@ void GraphicsSystem::LoadPrograms()
     CheckGLError(__FILE__, __LINE__);
 }
 
-void GraphicsSystem::Update(Core::Game&, Space& space, double, double, double)
+void GraphicsSystem::Update(Core::Game&, Space& space, double dt, double spaceTime, double absoluteTime)
 {
     const Debug::ProfileBlock block("Graphics");
+    if (!space.paused)
+    {
+        UpdateParticles(space, static_cast<float>(dt), static_cast<float>(spaceTime),
+                        static_cast<float>(absoluteTime));
+    }
     GatherDrawables(space);
     const Debug::ProfileBlock render("Render graphics");
     CheckGLError(__FILE__, __LINE__);
@@ -125,6 +130,7 @@ void GraphicsSystem::Update(Core::Game&, Space& space, double, double, double)
             drawable.component->Draw(*this, space);
         }
     }
+    DrawSpawnedParticles();
     UseProgram(&debugProgram);
     DrawDebugSquares();
     DrawDebugCircles();
@@ -142,13 +148,75 @@ void GraphicsSystem::GatherDrawables(Space& space)
     Gather(drawables, space.squares, space, "Add SquareComponents");
     Gather(drawables, space.sprites, space, "Add Sprite Components");
     Gather(drawables, space.textSprites, space, "Add Text Components");
+    Gather(drawables, space.particles, space, "Add Particle Components");
     const Debug::ProfileBlock sortBlock("Sort");
     std::sort(drawables.begin(), drawables.end(), DrawsBefore);
+}
+
+// Bursts age with every unpaused Space; a component's system follows its own Space, destroyed ones too,
+// until the sweep takes them.
+void GraphicsSystem::UpdateParticles(Space& space, float dt, float spaceTime, float absoluteTime)
+{
+    const Debug::ProfileBlock block("Particle Update");
+    for (const std::unique_ptr<Particles::ParticleSystem>& burst : particleSystems)
+    {
+        CheckGLError(__FILE__, __LINE__);
+        burst->Update(dt, spaceTime, absoluteTime);
+        CheckGLError(__FILE__, __LINE__);
+    }
+    for (Components::Graphics::ParticleComponent& component : space.particles.components)
+    {
+        CheckGLError(__FILE__, __LINE__);
+        component.Update(space, dt, spaceTime, absoluteTime);
+        CheckGLError(__FILE__, __LINE__);
+    }
+}
+
+// A burst is drawn once more in the pass in which its life runs out, and then goes. The survivors keep
+// their order, in one compaction.
+void GraphicsSystem::DrawSpawnedParticles()
+{
+    const Debug::ProfileBlock block("Particle Draw");
+    for (const std::unique_ptr<Particles::ParticleSystem>& burst : particleSystems)
+    {
+        burst->Draw(*this);
+    }
+    const auto finished = [this](const std::unique_ptr<Particles::ParticleSystem>& burst)
+    {
+        const bool over = burst->life > -999.0f && burst->life < 0.0f;
+        if (over)
+        {
+            spawnedParticleCount -= std::max<uint64_t>(burst->maxParticles, 1);
+        }
+        return over;
+    };
+    particleSystems.erase(std::remove_if(particleSystems.begin(), particleSystems.end(), finished),
+                          particleSystems.end());
+}
+
+void GraphicsSystem::SpawnParticles(Vec2 position, const Colour& colour, uint32_t count, float minSpeed,
+                                    float maxSpeed, float scale, float lifeTime, float fadeTime)
+{
+    using namespace Particles;
+    auto burst = std::make_unique<ParticleSystem>(count, lifeTime + fadeTime, PoolMemory::Heap);
+    burst->position = position;
+    burst->emitter = std::make_unique<Emitters::EmitOnce>(count, burst->maxParticles);
+    burst->initializers.push_back(
+        std::make_unique<Initializers::BasicInitializer>(Vec2{}, colour, lifeTime, 0.0f, scale));
+    burst->initializers.push_back(
+        std::make_unique<Initializers::RandomVelocity>(-3.1415927f, 3.1415927f, minSpeed, maxSpeed));
+    burst->updaters.push_back(std::make_unique<Updaters::PositionUpdater>());
+    burst->updaters.push_back(std::make_unique<Updaters::HueUpdater>());
+    burst->terminator = std::make_unique<Terminators::FadeOut>(fadeTime == 0.0f ? 0.0001f : fadeTime);
+    burst->Start();
+    particleSystems.push_back(std::move(burst));
+    spawnedParticleCount += std::max<uint64_t>(count, 1);
 }
 
 void GraphicsSystem::RegisterScriptTypes(Lua::LuaSystem& lua)
 {
     RegisterDrawableScriptTypes(lua.state);
+    RegisterParticleScriptType(lua.state);
 }
 
 void GraphicsSystem::ObjectsDestroyed(Core::Game&, Space&)
@@ -167,6 +235,10 @@ void GraphicsSystem::Shutdown()
     }
     textures.clear();
     font.reset();
+    particleSystems.clear();
+    spawnedParticleCount = 0;
+    // The particle program's GL objects go with the context.
+    Particles::ParticleSystem::ForgetProgram();
     currentProgram = nullptr;
     Logger::Log("Graphics", LogLevel::Info, "Graphics is cleaning up");
     DestroyGLContext(*this);

@@ -1,9 +1,10 @@
 #pragma once
 
 // The engine system that owns the GL context, the two render programs, the unit quad, the camera, the
-// textures on the card and the debug draw queues. Once per frame and Space it gathers the Space's visible
-// drawables, sorts them by their transform's z and draws them, one quad per sprite and per glyph: there is
-// no batching and no depth buffer, so the sort alone decides what covers what.
+// textures on the card, the debug draw queues and the particle bursts that scripts spawn. Once per frame
+// and Space it ages the particles, gathers the Space's visible drawables, sorts them by their transform's z
+// and draws them, one quad per sprite and per glyph: there is no batching and no depth buffer, so the sort
+// alone decides what covers what.
 //
 // World coordinates have y up; screen coordinates have their origin in the top left corner, y down, in
 // pixels. The camera is a centre and the height of the visible world; the visible width follows from the
@@ -13,6 +14,7 @@
 #include "Core/System.h"
 #include "Graphics/Colour.h"
 #include "Graphics/DebugShapes.h"
+#include "Graphics/Particles/ParticleSystem.h"
 #include "Graphics/Shaders/RenderProgram.h"
 
 #include <array>
@@ -55,7 +57,7 @@ public:
     // Creates the context on the window, the quad, the programs and the font; false only without a window.
     bool Initialise(Core::Window* window) override;
     void Update(Core::Game& game, Space& space, double dt, double spaceTime, double absoluteTime) override;
-    // Square, Sprite and TextSprite get their script functions.
+    // Square, Sprite, TextSprite and Particle get their script functions.
     void RegisterScriptTypes(Lua::LuaSystem& lua) override;
     void ObjectsDestroyed(Core::Game& game, Space& space) override;
     void Shutdown() override;
@@ -90,6 +92,14 @@ public:
                     const Colour& colour);
     // DrawString unrotated at scale 1, with the texture program made current first.
     void DrawText(Vec2 position, const char* text, const Colour& colour);
+
+    // A one-shot burst of count particles at position, flying out in every direction at minSpeed to
+    // maxSpeed, cycling through the hues for lifeTime seconds and then fading for fadeTime; it goes by
+    // itself once both have run out. Every burst is aged once per unpaused Space and drawn once per Space.
+    void SpawnParticles(Vec2 position, const Colour& colour, uint32_t count, float minSpeed, float maxSpeed,
+                        float scale, float lifeTime, float fadeTime);
+    // What the live bursts hold together, each counting as at least one particle.
+    uint64_t SpawnedParticleCount() const { return spawnedParticleCount; }
 
     void AddDebugSquare(Vec2 position, Vec2 size, const Colour& colour, float rotation, bool outline);
     void AddDebugCircle(Vec2 position, Vec2 size, const Colour& colour, float rotation, bool outline,
@@ -129,10 +139,15 @@ public:
     std::vector<DebugSquare> debugSquares;
     std::vector<DebugCircle> debugCircles;
     std::vector<DebugLine> debugLines;
+    // The bursts made by SpawnParticles, in the order they were made.
+    std::vector<std::unique_ptr<Particles::ParticleSystem>> particleSystems;
     uint32_t indexBuffer = 0;
     uint32_t vertexBuffer = 0;
 
 private:
+    void UpdateParticles(Space& space, float dt, float spaceTime, float absoluteTime);
+    // Draws every burst and lets go of those whose life has run out.
+    void DrawSpawnedParticles();
     void CreateQuad();
     void LoadPrograms();
     void LoadFont();
@@ -144,6 +159,7 @@ private:
 
     // Rebuilt for every Space, keeping its capacity, so a steady frame allocates nothing.
     std::vector<Drawable> drawables;
+    uint64_t spawnedParticleCount = 0;
     std::vector<std::string> pendingScreenshots;
     std::vector<uint8_t> screenshotPixels;
 };

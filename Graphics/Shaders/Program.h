@@ -5,6 +5,7 @@
 // copied member by member; their GL objects are never deleted, as they go with the context.
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 
 namespace Graphics::Shaders
@@ -33,8 +34,23 @@ public:
     std::string name;
 
 protected:
+    // A compiled stage, or 0, with the word that names it in the failure text.
+    struct Stage
+    {
+        uint32_t shader;
+        const char* name;
+    };
+
     virtual void LocateUniforms() = 0;
     virtual void Link() = 0;
+
+    // The first step of Link: if a stage failed to compile, logs which, leaves the program unusable and
+    // gives false.
+    bool StagesCompiled(std::initializer_list<Stage> stages);
+    // Creates the program with the stages in order, binds "outColor" to colour 0, links and uses it.
+    void CreateAndLink(std::initializer_list<uint32_t> shaders);
+    // The last step of Link: a program that failed to link logs GL's reason and becomes unusable.
+    void CheckLinked();
 };
 
 } // namespace Graphics::Shaders

@@ -3,7 +3,6 @@
 #include "Debug/Logger.h"
 
 #include <epoxy/gl.h>
-#include <vector>
 
 namespace Graphics::Shaders
 {
@@ -12,21 +11,6 @@ namespace
 
 // Where a vertex shader without "position" is fed from.
 constexpr GLint kFallbackPositionAttribute = 1;
-
-void LogCreateFailure(const std::string& name, const char* stage)
-{
-    Logger::Log("Graphics", LogLevel::Error,
-                "Failed to Create program \"" + name + "\": " + stage + " shader failed to compile");
-}
-
-std::string ProgramLog(GLuint program)
-{
-    GLint logLength = 0;
-    glGetProgramiv(program, GL_INFO_LOG_LENGTH, &logLength);
-    std::vector<char> log(static_cast<size_t>(logLength) + 1, '\0');
-    glGetProgramInfoLog(program, logLength, nullptr, log.data());
-    return log.data();
-}
 
 } // namespace
 
@@ -61,19 +45,11 @@ void RenderProgram::LocateUniforms()
 
 void RenderProgram::Link()
 {
-    if (vertexShader == 0 || fragmentShader == 0)
+    if (!StagesCompiled({{vertexShader, "Vertex"}, {fragmentShader, "Fragment"}}))
     {
-        LogCreateFailure(name, vertexShader == 0 ? "Vertex" : "Fragment");
-        id = 0;
-        glUseProgram(0);
         return;
     }
-    id = glCreateProgram();
-    glAttachShader(id, vertexShader);
-    glAttachShader(id, fragmentShader);
-    glBindFragDataLocation(id, 0, "outColor");
-    glLinkProgram(id);
-    glUseProgram(id);
+    CreateAndLink({vertexShader, fragmentShader});
     positionAttribute = glGetAttribLocation(id, "position");
     if (positionAttribute < 0)
     {
@@ -83,15 +59,7 @@ void RenderProgram::Link()
     }
     LocateUniforms();
     Bind();
-    GLint linked = GL_FALSE;
-    glGetProgramiv(id, GL_LINK_STATUS, &linked);
-    if (linked != GL_TRUE)
-    {
-        Logger::Log("Graphics", LogLevel::Error,
-                    "Failed to link program \"" + name + "\": " + ProgramLog(id));
-        id = 0;
-        glUseProgram(0);
-    }
+    CheckLinked();
 }
 
 } // namespace Graphics::Shaders
