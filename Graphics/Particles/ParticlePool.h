@@ -13,6 +13,13 @@
 namespace Graphics::Particles
 {
 
+// A run of records of a pool, [begin, end): what an updater or terminator works on in one call.
+struct ParticleRange
+{
+    uint32_t begin;
+    uint32_t end;
+};
+
 // Where a pool's memory comes from. A component's pool is large and mostly untouched, so it takes pages
 // that cost nothing until used; a burst fills its pool at once, so ordinary heap memory serves it better.
 enum class PoolMemory

@@ -131,10 +131,11 @@ void ParticleSystem::AgeAndUpdate(float dt, float spaceTime, float absoluteTime)
     const bool keepsDying = terminator != nullptr;
     for (const auto& updater : updaters)
     {
-        updater->Update(*this, ParticleRange{liveCount, keepsDying && updater->runsWhileDying}, dt, spaceTime,
-                        absoluteTime);
+        updater->Update(*this, ParticleRange{0, liveCount}, keepsDying && updater->runsWhileDying, dt,
+                        spaceTime, absoluteTime);
     }
-    if (keepsDying && terminator->Update(*this, liveCount, dt, spaceTime, absoluteTime) != 0)
+    if (keepsDying &&
+        terminator->Update(*this, ParticleRange{0, liveCount}, dt, spaceTime, absoluteTime) != 0)
     {
         RemoveLeaving();
     }

@@ -42,7 +42,8 @@ class ParticleSystem
 {
 public:
     // Builds the shared particle program first if it isn't built and a GL context is current on this
-    // thread, then takes the pool of capacity records. The system's life counts down the seconds until a spawned system ends.
+    // thread, then takes the pool of capacity records. The system's life counts down the seconds until a
+    // spawned system ends.
     ParticleSystem(uint64_t capacity, float systemLife, PoolMemory memory);
     ~ParticleSystem();
     ParticleSystem(ParticleSystem&&) noexcept;

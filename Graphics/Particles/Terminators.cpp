@@ -10,11 +10,11 @@ namespace
 // Runs the step on every dying particle, marking it as leaving where the step says so; NaN lives count as
 // dying, as they aren't above 0.
 template <typename Step>
-uint32_t ForEachDying(ParticleSystem& system, uint32_t liveCount, Step step)
+uint32_t ForEachDying(ParticleSystem& system, ParticleRange range, Step step)
 {
     ParticlePool& pool = system.particles;
     uint32_t leaving = 0;
-    for (uint32_t i = 0; i < liveCount; ++i)
+    for (uint32_t i = range.begin; i < range.end; ++i)
     {
         if (!(pool.life[i] > 0.0f) && step(i))
         {
@@ -27,15 +27,15 @@ uint32_t ForEachDying(ParticleSystem& system, uint32_t liveCount, Step step)
 
 } // namespace
 
-uint32_t BasicTerminator::Update(ParticleSystem& system, uint32_t liveCount, float, float, float)
+uint32_t BasicTerminator::Update(ParticleSystem& system, ParticleRange range, float, float, float)
 {
-    return ForEachDying(system, liveCount, [](uint32_t) { return true; });
+    return ForEachDying(system, range, [](uint32_t) { return true; });
 }
 
-uint32_t FadeOut::Update(ParticleSystem& system, uint32_t liveCount, float, float, float)
+uint32_t FadeOut::Update(ParticleSystem& system, ParticleRange range, float, float, float)
 {
     ParticlePool& pool = system.particles;
-    return ForEachDying(system, liveCount,
+    return ForEachDying(system, range,
                         [&](uint32_t i)
                         {
                             pool.colour[i].a = (pool.life[i] / time + 1.0f) * pool.startAlpha[i];
@@ -43,10 +43,10 @@ uint32_t FadeOut::Update(ParticleSystem& system, uint32_t liveCount, float, floa
                         });
 }
 
-uint32_t ScaleOut::Update(ParticleSystem& system, uint32_t liveCount, float, float, float)
+uint32_t ScaleOut::Update(ParticleSystem& system, ParticleRange range, float, float, float)
 {
     ParticlePool& pool = system.particles;
-    return ForEachDying(system, liveCount,
+    return ForEachDying(system, range,
                         [&](uint32_t i)
                         {
                             pool.scale[i] = (pool.life[i] / time + 1.0f) * pool.startScale[i];

@@ -1,8 +1,10 @@
 #pragma once
 
-// Terminators decide how a dying particle, one whose life is 0 or less, leaves. Each call walks the
-// liveCount live particles once, works on the dying particles only, and marks in the pool's `leaving` column
+// Terminators decide how a dying particle, one whose life is 0 or less, leaves. Each call walks a
+// range of the pool once, works on the dying particles only, and marks in the pool's `leaving` column
 // those that are to go; the system removes them after the call.
+
+#include "Graphics/Particles/ParticlePool.h"
 
 #include <cstdint>
 
@@ -22,7 +24,7 @@ public:
     // Called once when the system starts.
     virtual void OnStart(ParticleSystem&) {}
     // Returns how many particles it marked as leaving.
-    virtual uint32_t Update(ParticleSystem& system, uint32_t liveCount, float dt, float spaceTime,
+    virtual uint32_t Update(ParticleSystem& system, ParticleRange range, float dt, float spaceTime,
                             float absoluteTime) = 0;
 };
 
@@ -30,7 +32,7 @@ public:
 class BasicTerminator final : public ParticleTerminator
 {
 public:
-    uint32_t Update(ParticleSystem& system, uint32_t liveCount, float dt, float spaceTime,
+    uint32_t Update(ParticleSystem& system, ParticleRange range, float dt, float spaceTime,
                     float absoluteTime) override;
 };
 
@@ -39,7 +41,7 @@ class FadeOut final : public ParticleTerminator
 {
 public:
     explicit FadeOut(float givenTime) : time(givenTime) {}
-    uint32_t Update(ParticleSystem& system, uint32_t liveCount, float dt, float spaceTime,
+    uint32_t Update(ParticleSystem& system, ParticleRange range, float dt, float spaceTime,
                     float absoluteTime) override;
 
     float time;
@@ -50,7 +52,7 @@ class ScaleOut final : public ParticleTerminator
 {
 public:
     explicit ScaleOut(float givenTime) : time(givenTime) {}
-    uint32_t Update(ParticleSystem& system, uint32_t liveCount, float dt, float spaceTime,
+    uint32_t Update(ParticleSystem& system, ParticleRange range, float dt, float spaceTime,
                     float absoluteTime) override;
 
     float time;

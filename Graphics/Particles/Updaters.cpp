@@ -16,18 +16,18 @@ namespace
 constexpr float kHueStepLimit = 360.0f * 64.0f;
 
 template <typename Step>
-void ForEachParticle(const ParticleSystem& system, ParticleRange range, Step step)
+void ForEachParticle(const ParticleSystem& system, ParticleRange range, bool includesDying, Step step)
 {
-    if (range.includesDying)
+    if (includesDying)
     {
-        for (uint32_t i = 0; i < range.end; ++i)
+        for (uint32_t i = range.begin; i < range.end; ++i)
         {
             step(i);
         }
         return;
     }
     const float* life = system.particles.life;
-    for (uint32_t i = 0; i < range.end; ++i)
+    for (uint32_t i = range.begin; i < range.end; ++i)
     {
         if (life[i] > 0.0f)
         {
@@ -88,10 +88,11 @@ Colour Hue(float life, Colour colour)
 
 } // namespace
 
-void PositionUpdater::Update(ParticleSystem& system, ParticleRange range, float dt, float, float)
+void PositionUpdater::Update(ParticleSystem& system, ParticleRange range, bool includesDying, float dt, float,
+                             float)
 {
     ParticlePool& pool = system.particles;
-    ForEachParticle(system, range,
+    ForEachParticle(system, range, includesDying,
                     [&](uint32_t i)
                     {
                         pool.position[i].x += dt * pool.velocity[i].x;
@@ -99,11 +100,12 @@ void PositionUpdater::Update(ParticleSystem& system, ParticleRange range, float 
                     });
 }
 
-void ForceUpdater::Update(ParticleSystem& system, ParticleRange range, float dt, float, float)
+void ForceUpdater::Update(ParticleSystem& system, ParticleRange range, bool includesDying, float dt, float,
+                          float)
 {
     ParticlePool& pool = system.particles;
     const float f = dt * system.scale;
-    ForEachParticle(system, range,
+    ForEachParticle(system, range, includesDying,
                     [&](uint32_t i)
                     {
                         pool.velocity[i].x += f * force.x;
@@ -111,11 +113,12 @@ void ForceUpdater::Update(ParticleSystem& system, ParticleRange range, float dt,
                     });
 }
 
-void DragUpdater::Update(ParticleSystem& system, ParticleRange range, float dt, float, float)
+void DragUpdater::Update(ParticleSystem& system, ParticleRange range, bool includesDying, float dt, float,
+                         float)
 {
     ParticlePool& pool = system.particles;
     const float f = dt * drag;
-    ForEachParticle(system, range,
+    ForEachParticle(system, range, includesDying,
                     [&](uint32_t i)
                     {
                         pool.velocity[i].x -= f * pool.velocity[i].x;
@@ -123,27 +126,30 @@ void DragUpdater::Update(ParticleSystem& system, ParticleRange range, float dt, 
                     });
 }
 
-void FadeInUpdater::Update(ParticleSystem& system, ParticleRange range, float, float, float)
+void FadeInUpdater::Update(ParticleSystem& system, ParticleRange range, bool includesDying, float, float,
+                           float)
 {
     ParticlePool& pool = system.particles;
-    ForEachParticle(system, range,
+    ForEachParticle(system, range, includesDying,
                     [&](uint32_t i) {
                         pool.colour[i].a = Grown(pool.startLife[i], pool.life[i], time) * pool.startAlpha[i];
                     });
 }
 
-void ScaleInUpdater::Update(ParticleSystem& system, ParticleRange range, float, float, float)
+void ScaleInUpdater::Update(ParticleSystem& system, ParticleRange range, bool includesDying, float, float,
+                            float)
 {
     ParticlePool& pool = system.particles;
-    ForEachParticle(system, range,
+    ForEachParticle(system, range, includesDying,
                     [&](uint32_t i)
                     { pool.scale[i] = Grown(pool.startLife[i], pool.life[i], time) * pool.startScale[i]; });
 }
 
-void LinearScaleUpdater::Update(ParticleSystem& system, ParticleRange range, float dt, float, float)
+void LinearScaleUpdater::Update(ParticleSystem& system, ParticleRange range, bool includesDying, float dt,
+                                float, float)
 {
     ParticlePool& pool = system.particles;
-    ForEachParticle(system, range,
+    ForEachParticle(system, range, includesDying,
                     [&](uint32_t i)
                     {
                         pool.startScale[i] += dt * rate;
@@ -151,7 +157,8 @@ void LinearScaleUpdater::Update(ParticleSystem& system, ParticleRange range, flo
                     });
 }
 
-void VortexUpdater::Update(ParticleSystem& system, ParticleRange range, float dt, float, float)
+void VortexUpdater::Update(ParticleSystem& system, ParticleRange range, bool includesDying, float dt, float,
+                           float)
 {
     ParticlePool& pool = system.particles;
     const float s = system.scale;
@@ -161,7 +168,7 @@ void VortexUpdater::Update(ParticleSystem& system, ParticleRange range, float dt
     // The system's position is turned and scaled; the centre is added after, unturned.
     const Vec2 pole{s * (origin.x * cosR - origin.y * sinR) + centre.x,
                     s * (origin.x * sinR + origin.y * cosR) + centre.y};
-    ForEachParticle(system, range,
+    ForEachParticle(system, range, includesDying,
                     [&](uint32_t i)
                     {
                         const Vec2 d = pole - pool.position[i];
@@ -172,10 +179,11 @@ void VortexUpdater::Update(ParticleSystem& system, ParticleRange range, float dt
                     });
 }
 
-void HueUpdater::Update(ParticleSystem& system, ParticleRange range, float, float, float)
+void HueUpdater::Update(ParticleSystem& system, ParticleRange range, bool includesDying, float, float, float)
 {
     ParticlePool& pool = system.particles;
-    ForEachParticle(system, range, [&](uint32_t i) { pool.colour[i] = Hue(pool.life[i], pool.colour[i]); });
+    ForEachParticle(system, range, includesDying,
+                    [&](uint32_t i) { pool.colour[i] = Hue(pool.life[i], pool.colour[i]); });
 }
 
 } // namespace Graphics::Particles::Updaters

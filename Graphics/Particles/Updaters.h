@@ -1,27 +1,19 @@
 #pragma once
 
 // Updaters move and change live particles each update, in the order of the system's list. Each call walks
-// the whole live range once; a particle's step reads only that particle and the system, and none of them
-// touches life, so running one updater over every particle before the next gives what running all of them
-// particle by particle would. In the arithmetic, S is the system's scale and R its rotation.
+// a range of the pool once, the whole live range in a system's update; dying particles, whose life is 0 or
+// less, take part only where the caller includes them. A particle's step reads only that particle and the
+// system, and none of them touches life, so running one updater over every particle before the next gives
+// what running all of them particle by particle would. In the arithmetic, S is the system's scale and R its
+// rotation.
 
 #include "Components/Vec2.h"
-
-#include <cstdint>
+#include "Graphics/Particles/ParticlePool.h"
 
 namespace Graphics::Particles
 {
 class ParticleSystem;
-
-// The live particles an updater or terminator works on: [0, end) of the pool. Dying particles, whose life
-// is 0 or less, take part only where the system says so.
-struct ParticleRange
-{
-    uint32_t end;
-    bool includesDying;
-};
-
-} // namespace Graphics::Particles
+}
 
 namespace Graphics::Particles::Updaters
 {
@@ -33,8 +25,8 @@ public:
 
     // Called once when the system starts.
     virtual void OnStart(ParticleSystem&) {}
-    virtual void Update(ParticleSystem& system, ParticleRange range, float dt, float spaceTime,
-                        float absoluteTime) = 0;
+    virtual void Update(ParticleSystem& system, ParticleRange range, bool includesDying, float dt,
+                        float spaceTime, float absoluteTime) = 0;
 
     // Whether the updater goes on working on dying particles, in a system whose terminator keeps them.
     bool runsWhileDying = true;
@@ -44,7 +36,7 @@ public:
 class PositionUpdater final : public ParticleUpdater
 {
 public:
-    void Update(ParticleSystem& system, ParticleRange range, float dt, float spaceTime,
+    void Update(ParticleSystem& system, ParticleRange range, bool includesDying, float dt, float spaceTime,
                 float absoluteTime) override;
 };
 
@@ -53,7 +45,7 @@ class ForceUpdater final : public ParticleUpdater
 {
 public:
     explicit ForceUpdater(Vec2 givenForce) : force(givenForce) {}
-    void Update(ParticleSystem& system, ParticleRange range, float dt, float spaceTime,
+    void Update(ParticleSystem& system, ParticleRange range, bool includesDying, float dt, float spaceTime,
                 float absoluteTime) override;
 
     Vec2 force;
@@ -64,7 +56,7 @@ class DragUpdater final : public ParticleUpdater
 {
 public:
     explicit DragUpdater(float givenDrag) : drag(givenDrag) {}
-    void Update(ParticleSystem& system, ParticleRange range, float dt, float spaceTime,
+    void Update(ParticleSystem& system, ParticleRange range, bool includesDying, float dt, float spaceTime,
                 float absoluteTime) override;
 
     float drag;
@@ -75,7 +67,7 @@ class FadeInUpdater final : public ParticleUpdater
 {
 public:
     explicit FadeInUpdater(float givenTime) : time(givenTime) {}
-    void Update(ParticleSystem& system, ParticleRange range, float dt, float spaceTime,
+    void Update(ParticleSystem& system, ParticleRange range, bool includesDying, float dt, float spaceTime,
                 float absoluteTime) override;
 
     float time;
@@ -86,7 +78,7 @@ class ScaleInUpdater final : public ParticleUpdater
 {
 public:
     explicit ScaleInUpdater(float givenTime) : time(givenTime) {}
-    void Update(ParticleSystem& system, ParticleRange range, float dt, float spaceTime,
+    void Update(ParticleSystem& system, ParticleRange range, bool includesDying, float dt, float spaceTime,
                 float absoluteTime) override;
 
     float time;
@@ -97,7 +89,7 @@ class LinearScaleUpdater final : public ParticleUpdater
 {
 public:
     explicit LinearScaleUpdater(float givenRate) : rate(givenRate) {}
-    void Update(ParticleSystem& system, ParticleRange range, float dt, float spaceTime,
+    void Update(ParticleSystem& system, ParticleRange range, bool includesDying, float dt, float spaceTime,
                 float absoluteTime) override;
 
     float rate;
@@ -109,7 +101,7 @@ class VortexUpdater final : public ParticleUpdater
 {
 public:
     VortexUpdater(Vec2 givenCentre, float givenStrength) : centre(givenCentre), strength(givenStrength) {}
-    void Update(ParticleSystem& system, ParticleRange range, float dt, float spaceTime,
+    void Update(ParticleSystem& system, ParticleRange range, bool includesDying, float dt, float spaceTime,
                 float absoluteTime) override;
 
     Vec2 centre;
@@ -121,7 +113,7 @@ public:
 class HueUpdater final : public ParticleUpdater
 {
 public:
-    void Update(ParticleSystem& system, ParticleRange range, float dt, float spaceTime,
+    void Update(ParticleSystem& system, ParticleRange range, bool includesDying, float dt, float spaceTime,
                 float absoluteTime) override;
 };
 
