@@ -2,9 +2,7 @@
 // squares over everything, tints, rectangles of bitmaps, the font, debug shapes, the checkerboard of a
 // missing bitmap, and a texture that comes back after a level change released it.
 
-#include "FileSystem/BitmapLoader.h"
-#include "Graphics/Bitmap.h"
-#include "Harness.h"
+#include "Screenshot.h"
 
 #include <algorithm>
 #include <array>
@@ -16,80 +14,6 @@ namespace
 {
 
 namespace fs = std::filesystem;
-
-using Rgb = std::array<int, 3>;
-
-// A decoded screenshot, read in world units of the default camera (20 units from top to bottom).
-class Shot
-{
-public:
-    explicit Shot(const fs::path& file) : bitmap(FileSystem::LoadBitmapFile(file.string())) {}
-
-    bool Loaded() const { return bitmap != nullptr; }
-    uint32_t Width() const { return bitmap->width; }
-    uint32_t Height() const { return bitmap->height; }
-    const Graphics::Bitmap& Pixels() const { return *bitmap; }
-
-    Rgb Pixel(int x, int y) const
-    {
-        const uint8_t* pixel =
-            &bitmap->pixels[(static_cast<size_t>(y) * bitmap->width + static_cast<size_t>(x)) * 4];
-        return {pixel[0], pixel[1], pixel[2]};
-    }
-
-    Rgb At(float worldX, float worldY) const
-    {
-        const float unit = static_cast<float>(bitmap->height) / 20.0f;
-        return Pixel(static_cast<int>(std::floor(static_cast<float>(bitmap->width) / 2.0f + worldX * unit)),
-                     static_cast<int>(std::floor(static_cast<float>(bitmap->height) / 2.0f - worldY * unit)));
-    }
-
-    // Whether any pixel within a pixel of the world point has the colour, for lines one pixel wide.
-    bool NearHas(float worldX, float worldY, Rgb colour) const
-    {
-        const float unit = static_cast<float>(bitmap->height) / 20.0f;
-        const int x = static_cast<int>(static_cast<float>(bitmap->width) / 2.0f + worldX * unit);
-        const int y = static_cast<int>(static_cast<float>(bitmap->height) / 2.0f - worldY * unit);
-        for (int dy = -1; dy <= 1; ++dy)
-        {
-            for (int dx = -1; dx <= 1; ++dx)
-            {
-                if (Close(Pixel(x + dx, y + dy), colour, 2))
-                {
-                    return true;
-                }
-            }
-        }
-        return false;
-    }
-
-    static bool Close(Rgb a, Rgb b, int tolerance)
-    {
-        for (size_t channel = 0; channel < 3; ++channel)
-        {
-            if (std::abs(a[channel] - b[channel]) > tolerance)
-            {
-                return false;
-            }
-        }
-        return true;
-    }
-
-private:
-    std::shared_ptr<Graphics::Bitmap> bitmap;
-};
-
-::testing::AssertionResult Looks(const Shot& shot, float x, float y, Rgb expected, int tolerance = 0)
-{
-    const Rgb actual = shot.At(x, y);
-    if (Shot::Close(actual, expected, tolerance))
-    {
-        return ::testing::AssertionSuccess();
-    }
-    return ::testing::AssertionFailure()
-           << "at (" << x << ", " << y << "): " << actual[0] << "," << actual[1] << "," << actual[2]
-           << " instead of " << expected[0] << "," << expected[1] << "," << expected[2];
-}
 
 const Rgb kBackground{0, 0, 128};
 const Rgb kRed{255, 0, 0};
@@ -135,24 +59,6 @@ void CheckScene(const Shot& shot)
     EXPECT_TRUE(Looks(shot, -7.5f + halfPixel, -3.5f - halfPixel, kMagenta, 2));
     EXPECT_TRUE(Looks(shot, -6.5f + halfPixel, -3.5f - halfPixel, {0, 0, 0}, 2));
     EXPECT_TRUE(Looks(shot, -6.5f + halfPixel, -4.5f - halfPixel, kMagenta, 2));
-}
-
-bool SamePixels(const Shot& a, const Shot& b)
-{
-    const size_t bytes = static_cast<size_t>(a.Width()) * a.Height() * 4;
-    return a.Width() == b.Width() && a.Height() == b.Height() &&
-           std::equal(a.Pixels().pixels.get(), a.Pixels().pixels.get() + bytes, b.Pixels().pixels.get());
-}
-
-// A windowed run of the test's Data folder in the directory, which keeps the screenshots.
-RunOptions Windowed(const RunDirectory& directory, const char* dataFolder, const char* width,
-                    const char* height)
-{
-    RunOptions options;
-    options.dataFolder = dataFolder;
-    options.directory = directory.path;
-    options.arguments = {"width", width, "height", height, "fullscreen", "n", "vsync", "n"};
-    return options;
 }
 
 TEST(Drawing, ASceneDrawsTheSameInBothThreadModesAndAReleasedTextureComesBack)
