@@ -75,9 +75,32 @@ private:
         return Pick(kComponents);
     }
 
+    // Effects, some of them sound, most broken: miscased names, missing numbers, NaN and infinities, a
+    // constant emitter that fills the pool at once, a count of -1 that asks for the whole of it.
+    std::string ParticleTable()
+    {
+        static const char* const kTables[] = {
+            "{ Emitter = { 'Constant', 60 }, Initializer = { 'RandomVelocity', 0, 6.3, 1, 4 }, "
+            "Updater = 'Position', Terminator = { 'FadeOut', 0.2 }, BlendMode = 'Additive' }",
+            "{ Emitter = { 'Constant', 1e30 }, Initializer = { 'RandomScale', 0, 0.01 }, Frames = 'a.png' }",
+            "{ Emitter = { 'Once', -1 }, Offset = { 'Circle', 0, 0, 0/0, 1/0 }, Updater2 = 'Position' }",
+            "{ Emitter = 'Pulse', Pulse = 5, Updater = { 'Vortex', 0, 0, 1/0 }, Terminator = 'ScaleOut' }",
+            "{ emitter = { 'once', 5 }, BlendMode = 'additive', Initializer = { 'Random' } }",
+            "{ Emitter = { 'Once', 3 }, Initializer = { 'Basic', 0/0, 1/0, 1, 1, 1, -1/0, -1/0, 0/0, 1e38 }, "
+            "Updater = { 'Drag', 0/0 }, Terminator = { 'FadeOut', 0 } }",
+            "{ Emitter = { 'Constant', -1 }, Updater7 = { 'Force', 1/0, 0 }, BlendMode = 5, "
+            "Updater9 = { 'LinearScale', -1e30 }, Offset = { 'Square', 1, -1, 1/0, 0 } }",
+            "{ Emitter = { 'Once', 2^40 }, Frames = { 'a.png', 5, {} }, Terminator = { 'Basic' } }",
+            "{ Emitter = { 'Once', 10 }, Updater = { 'FadeIn', 0 }, Updater1 = { 'ScaleIn', -1 }, "
+            "Initializer = { 'Random', 0, 0, 0, 0, 0, 0, 1, 0, 1, 6.3, 5, 1, 1, 1, 1, 2, 6.3, 1 } }",
+            "{ Emitter = { 'Constant', 0/0 }, Initializer = { 'Basic', 1 }, Updater0 = { 'position' } }",
+        };
+        return Pick(kTables);
+    }
+
     std::string Object(int depth)
     {
-        static const char* const kKeys[] = {"Name",     "Transform", "Script", "Sprite", "Square",
+        static const char* const kKeys[] = {"Name",     "Transform", "Script", "Sprite", "Square", "Particle",
                                             "Children", "Override",  "Foo",    "[1.5]",  "[true]"};
         std::string text = "{ ";
         const uint32_t count = Below(4);
@@ -86,6 +109,7 @@ private:
             const std::string key = Pick(kKeys);
             const std::string value = key == "Children" || key == "Override"  ? Value(depth + 1)
                                       : key == "Name" || key.starts_with("[") ? Scalar()
+                                      : key == "Particle" && Chance(70)       ? ParticleTable()
                                                                               : Component();
             text += key + " = " + value + ", ";
         }

@@ -1,0 +1,15 @@
+-- Everything random here comes from the engine's one generator per thread, drawn in the same order each
+-- run: a cloud of still particles, a burst out of sight, and a number for the script.
+local cloud = Space:CreateObject({ Name = "Cloud", Transform = {} }):AddComponent("Particle")
+cloud:SetEmitter("Once", 300)
+cloud:SetFrames("Bitmaps/white.png")
+cloud:SetInitializer("Random", 0, 0, 0, 0, 0, 0.3, 1, 0, 0.2, 6.3, 1, 1, 1, 1, 1, 2, 6.3, 1.5)
+cloud:SetOffset("Circle", 0, 0, 6.3, 3)
+Graphics:SpawnParticles(100, 100)
+wait()
+print(math.random(1000000))
+wait()
+wait()
+Graphics:Screenshot("random.png")
+wait()
+Game.Quit()
