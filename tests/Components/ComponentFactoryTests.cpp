@@ -96,4 +96,36 @@ TEST_F(ComponentFactories, SweepsRunOnlyWhereAndWhenAnObjectWasDeleted)
     EXPECT_EQ(other.audio.Count(), 1u) << "another space's flagged components wait for that space";
 }
 
+// Particle components move rather than copy, when their array grows and when the sweep fills a gap: the
+// live particles go along, and the moved component has no pulses pending.
+TEST_F(ComponentFactories, ParticleComponentsCarryTheirParticlesThroughMoves)
+{
+    using Components::Graphics::ParticleComponent;
+    // The first two are moved by the growth that the fillers bring; the last fills the gap of the first.
+    std::vector<Handle> handles;
+    for (int i = 0; i < 3; ++i)
+    {
+        for (int filler = 0; i == 2 && filler < 100; ++filler)
+        {
+            NewObject(space).AddComponent(Components::Particle);
+        }
+        GameObject& object = NewObject(space);
+        handles.push_back(object.AddComponent(Components::Particle));
+        ParticleComponent& effect = *space.particles.components.Find(handles.back());
+        effect.system.emitter = std::make_unique<Graphics::Particles::Emitters::EmitOnce>(i + 1, 100000);
+        effect.system.pendingPulses = 4;
+        effect.Update(space, 0.5f, 0.0f, 0.0f);
+    }
+    space.FindObject(space.particles.components.Find(handles[0])->owner)->Destroy();
+    space.DeleteDestroyed(game);
+    for (int i = 1; i < 3; ++i)
+    {
+        const ParticleComponent& effect = *space.particles.components.Find(handles[static_cast<size_t>(i)]);
+        EXPECT_EQ(effect.system.liveCount, static_cast<uint32_t>(i + 1));
+        EXPECT_EQ(effect.system.particles.life[i], 9.5f);
+        EXPECT_EQ(effect.system.pendingPulses, 0);
+        EXPECT_FALSE(effect.needsStart);
+    }
+}
+
 } // namespace
