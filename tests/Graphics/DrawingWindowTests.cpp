@@ -208,22 +208,10 @@ TEST_F(Drawing, DrawablesWithoutTheirTransformReportItAndASquareEndsTheGame)
     ExpectRaise([&] { square.Draw(graphics, space); }, "Graphics", "Square comopnent has no transform!");
 }
 
-// What a chunk returns as a string, or its error without the position.
 class DrawingScripts : public ScriptScenario
 {
 protected:
     DrawingScripts() : ScriptScenario(true) {}
-
-    std::string Outcome(const std::string& chunk)
-    {
-        const std::string wrapped = "local ok, result = pcall(function() " + chunk +
-                                    " end) return (tostring(result):gsub('^%[string \".-\"%]:%d+: ', ''))";
-        const int top = lua_gettop(L());
-        luaL_dostring(L(), wrapped.c_str());
-        std::string outcome = lua_tostring(L(), -1);
-        lua_settop(L(), top);
-        return outcome;
-    }
 };
 
 TEST_F(DrawingScripts, EveryFunctionReadsItsArgumentsAndReportsItsFailures)

@@ -41,7 +41,7 @@ MisuseEnvironments[GameObject.Name] = {
 constexpr const char* kSetupChunk = R"lua(
 -- The engine's generator outlives a game; seeded here, the handlers place their objects alike every run.
 math.randomseed(1)
--- A game with a window draws, and its objects show a sprite, a square and a text as well.
+-- A game with a window draws, and its objects show a sprite, a square, a text and particles as well.
 local drawing = Graphics ~= nil
 local function Full(space, name, x)
     local object = space:CreateObject({ Name = name, Transform = { Position = { x or 0, 0 } }, RigidBody = {},
@@ -50,13 +50,14 @@ local function Full(space, name, x)
         object:AddComponent("Sprite"):SetFrames("Missing.png")
         object:AddComponent("Square")
         object:AddComponent("TextSprite"):SetText(name)
+        object:AddComponent("Particle")
     end
     return object
 end
 local function WithComponents(object)
     if drawing then
         return object, object.Transform, object.RigidBody, object.Collider, object.Script, object.Sprite,
-               object.Square, object.TextSprite
+               object.Square, object.TextSprite, object.Particle
     end
     return object, object.Transform, object.RigidBody, object.Collider, object.Script
 end
@@ -101,7 +102,7 @@ end
 local registry = debug.getregistry()
 local kinds = { "Space", "GameObject", "Transform", "Script", "RigidBody", "Collider" }
 if Graphics then
-    table.move({ "Sprite", "Square", "TextSprite" }, 1, 3, #kinds + 1, kinds)
+    table.move({ "Sprite", "Square", "TextSprite", "Particle" }, 1, 4, #kinds + 1, kinds)
     AddFunctions("Graphics", Graphics)
 end
 for _, kind in ipairs(kinds) do
@@ -142,6 +143,7 @@ local function Pack(...) return { n = select("#", ...), ... } end
 local pool = Pack(nil, true, false, 0, -1, 1, 2, 0.5, -0.0, 0 / 0, math.huge, -math.huge, math.maxinteger,
     math.mininteger, 2 ^ 53, 2 ^ 63, -2 ^ 63, 1e308, 65535, 65536, 1 << 31, "", "1e999", "0x7fffffffffffffff",
     " 12 ", "nan", "AABB", "Circle", Graphics and "Name" or "Transform", "RigidBody", "Collider", "Script", "Sprite", "Name", "Host",
+    "Constant", "Once", "Pulse", "Random", "Position", "FadeOut",
     "MisuseExpose.lua", "Missing.lua", "Levels/Missing.lvl", "/", "\0", string.rep("x", 1000), {}, { 1, 2, 3 },
     { Name = "Made", Transform = { Position = { 0.2, 0 } }, Collider = {} }, { "Missing.arch" }, cyclic, deep,
     raising, tostring, error, function() end, function(...) return ... end, function() return handles end,

@@ -81,6 +81,17 @@ std::string ScriptScenario::Run(const std::string& chunk)
     return error;
 }
 
+std::string ScriptScenario::Outcome(const std::string& chunk)
+{
+    const std::string wrapped = "local ok, result = pcall(function() " + chunk +
+                                " end) return (tostring(result):gsub('^%[string \".-\"%]:%d+: ', ''))";
+    const int top = lua_gettop(L());
+    luaL_dostring(L(), wrapped.c_str());
+    std::string outcome = lua_tostring(L(), -1);
+    lua_settop(L(), top);
+    return outcome;
+}
+
 std::vector<std::string> ScriptScenario::ErrorHeads() const
 {
     std::vector<std::string> heads;

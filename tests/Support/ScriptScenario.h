@@ -32,6 +32,8 @@ protected:
     std::string Frame(double dt);
     // Runs a chunk on the main state, as engine code would; returns its error or "".
     std::string Run(const std::string& chunk);
+    // What a chunk returns, as a string, or its error without the position.
+    std::string Outcome(const std::string& chunk);
     std::vector<std::string> Errors() const { return log.Messages("LuaSystem", LogLevel::Error); }
     // The first line of each LuaSystem Error.
     std::vector<std::string> ErrorHeads() const;
