@@ -232,6 +232,22 @@ Canvas DrawStar()
     return canvas;
 }
 
+// A particle: plain white, so that a particle's own colour tints it whole, with an alpha that falls off
+// smoothly from the middle to nothing at the edge, so particles blend into a haze rather than show as discs.
+Canvas DrawDot()
+{
+    Canvas canvas(kStarSize, kStarSize);
+    canvas.Disc(0, 0, 1,
+                [](float x, float y)
+                {
+                    const float falloff = 1 - std::min(1.0f, x * x + y * y);
+                    Colour colour = kWhite;
+                    colour.alpha = falloff * falloff;
+                    return colour;
+                });
+    return canvas;
+}
+
 struct Image
 {
     const char* path;
@@ -241,7 +257,7 @@ struct Image
 const Image kImages[] = {{"Fonts/font.png", DrawFont},       {"Sprites/Sun.png", DrawSun},
                          {"Sprites/Planet.png", DrawPlanet}, {"Sprites/Moon.png", DrawMoon},
                          {"Sprites/Comet.png", DrawComet},   {"Sprites/Collector.png", DrawCollector},
-                         {"Sprites/Star.png", DrawStar}};
+                         {"Sprites/Star.png", DrawStar},     {"Sprites/Dot.png", DrawDot}};
 
 } // namespace
 } // namespace Art

@@ -23,6 +23,11 @@ GameObject.Collider:ConnectCollision(function(own, other)
     -- `Script` is named first so that the handler's first upvalue is its environment, as connecting needs.
     local variables = Script:GetVariables()
     if other.Name == "Comet" then
+        -- A glowing puff and a ring of sparks where the comet was, read before the comet goes. Bursts take
+        -- their colours from the engine, red turning to orange and gold as they fade; only alpha is ours.
+        local x, y = other.Transform:GetPosition()
+        Graphics:SpawnParticles(x, y, 0.2, 60, 0, 0.4, 0.4, 1, 1, 0.5, 0.2, 0.45)
+        Graphics:SpawnParticles(x, y, 0.18, 28, 0.55, 0.65, 0.4, 1, 1, 0.5, 0.2, 1)
         other:Destroy()
         variables.score = variables.score + 1
         print(string.format("Collector caught a comet: score %d", variables.score))
