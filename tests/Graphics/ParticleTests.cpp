@@ -43,37 +43,6 @@ const Initializers::RandomBounds kLow{-1.0f, 1.0f, {0.1f, 0.2f, 0.3f, 0.4f}, 2.0
 const Initializers::RandomBounds kHigh{1.0f, 3.0f, {0.9f, 0.8f, 0.7f, 0.6f}, 4.0f, 0.5f, 1.5f};
 
 const std::vector<PolicyRow> kPolicyRows = {
-    {"constant at 10/s over 0.35 s",
-     [](ParticleSystem& s) { s.emitter = std::make_unique<Emitters::EmitConstant>(10.0f); },
-     {0.35f},
-     [](const ParticleSystem& s, const ParticlePool&)
-     {
-         EXPECT_EQ(s.liveCount, 3u);
-         EXPECT_NEAR(static_cast<const Emitters::EmitConstant&>(*s.emitter).countdown, 0.05f, 1e-6f);
-     }},
-    {"a rate of 0 emits nothing",
-     [](ParticleSystem& s) { s.emitter = std::make_unique<Emitters::EmitConstant>(0.0f); },
-     {1.0f},
-     [](const ParticleSystem& s, const ParticlePool&) { EXPECT_EQ(s.liveCount, 0u); }},
-    {"a NaN rate emits nothing",
-     [](ParticleSystem& s) { s.emitter = std::make_unique<Emitters::EmitConstant>(std::nanf("")); },
-     {1.0f},
-     [](const ParticleSystem& s, const ParticlePool&) { EXPECT_EQ(s.liveCount, 0u); }},
-    {"huge rates fill the pool and leave the countdown in range",
-     [](ParticleSystem& s) { s.emitter = std::make_unique<Emitters::EmitConstant>(1e30f); },
-     {1e30f, 1.0f / 60.0f, INFINITY},
-     [](const ParticleSystem& s, const ParticlePool&)
-     {
-         EXPECT_EQ(s.liveCount, 1000u);
-         const auto& constant = static_cast<const Emitters::EmitConstant&>(*s.emitter);
-         EXPECT_TRUE(constant.countdown >= 0.0f && constant.countdown < constant.period)
-             << constant.countdown;
-     }},
-    {"an endless rate settles at 0",
-     [](ParticleSystem& s) { s.emitter = std::make_unique<Emitters::EmitConstant>(INFINITY); },
-     {1.0f},
-     [](const ParticleSystem& s, const ParticlePool&)
-     { EXPECT_EQ(static_cast<const Emitters::EmitConstant&>(*s.emitter).countdown, 0.0f); }},
     {"pulses come at the next update and are spent",
      [](ParticleSystem& s)
      {
@@ -281,6 +250,42 @@ const std::vector<PolicyRow> kPolicyRows = {
          EXPECT_EQ(p.scale[0], 4.0f);
      }},
 };
+
+// A constant emitter's particles and countdown after a series of steps, in a pool of 1000: hostile rates
+// and steps end, with the countdown in [0, period).
+TEST(ParticlePolicies, ConstantEmittersCarryTheRestOfAStepAndEndOnAnyNumbers)
+{
+    const struct
+    {
+        float rate;
+        std::vector<float> dts;
+        uint32_t live;
+        float countdown;
+    } rows[] = {
+        {10.0f, {0.35f}, 3, 0.05f},     {0.0f, {1.0f}, 0, -1.0f},
+        {-5.0f, {1.0f}, 0, -0.2f},      {1e30f, {1e30f, 1.0f / 60.0f, INFINITY}, 1000, 0.0f},
+        {INFINITY, {1.0f}, 1000, 0.0f}, {std::nanf(""), {1.0f}, 0, std::nanf("")},
+    };
+    for (const auto& row : rows)
+    {
+        ParticleSystem system(1000, 0.0f, PoolMemory::Heap);
+        auto owned = std::make_unique<Emitters::EmitConstant>(row.rate);
+        const Emitters::EmitConstant& emitter = *owned;
+        system.emitter = std::move(owned);
+        system.Start();
+        for (const float dt : row.dts)
+        {
+            system.Update(dt, 0.0f, 0.0f);
+        }
+        EXPECT_EQ(system.liveCount, row.live) << row.rate;
+        if (std::isnan(row.countdown))
+        {
+            EXPECT_TRUE(std::isnan(emitter.countdown));
+            continue;
+        }
+        EXPECT_NEAR(emitter.countdown, row.countdown, 1e-6f) << row.rate;
+    }
+}
 
 TEST(ParticlePolicies, EachComputesAndDrawsAsDefined)
 {
