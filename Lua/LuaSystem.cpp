@@ -86,21 +86,7 @@ void RegisterDrawableAndAudioPlaceholders(lua_State* L)
 
 void* LuaSystem::Allocate(void* system, void* block, size_t oldSize, size_t newSize)
 {
-    LuaSystem& self = *static_cast<LuaSystem*>(system);
-    // Without a block, oldSize tells the kind of object to be made, not a size.
-    const size_t heldBefore = block != nullptr ? oldSize : 0;
-    if (newSize == 0)
-    {
-        std::free(block);
-        self.liveBytes -= heldBefore;
-        return nullptr;
-    }
-    void* resized = std::realloc(block, newSize);
-    if (resized != nullptr)
-    {
-        self.liveBytes += newSize - heldBefore;
-    }
-    return resized;
+    return static_cast<LuaSystem*>(system)->heap->Reallocate(block, oldSize, newSize);
 }
 
 bool LuaSystem::Initialise(Core::Window*)
@@ -109,6 +95,7 @@ bool LuaSystem::Initialise(Core::Window*)
     {
         Logger::Raise("LuaSystem", "Lua system already initialised");
     }
+    heap.emplace(pooledHeap ? LuaHeap::kRegionBytes : 0);
     state = lua_newstate(Allocate, this);
     if (state == nullptr)
     {
@@ -229,6 +216,7 @@ void LuaSystem::Shutdown()
         lua_close(state);
         state = nullptr;
     }
+    heap.reset();
     spaceSerials.clear();
     lastLiveSpace = nullptr;
     schedules.clear();

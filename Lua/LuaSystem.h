@@ -8,11 +8,13 @@
 
 #include "Components/Handle.h"
 #include "Core/System.h"
+#include "Lua/LuaHeap.h"
 #include "Lua/ScriptChunks.h"
 #include "Lua/ScriptSchedule.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -40,7 +42,7 @@ public:
     void Shutdown() override;
 
     // Bytes the state holds now, as its allocation function counts them.
-    size_t LiveBytes() const { return liveBytes; }
+    size_t LiveBytes() const { return heap ? heap->LiveBytes() : 0; }
 
     // The system that owns the state: the allocation function's user data, which no script can reach.
     static LuaSystem& Of(lua_State* L);
@@ -62,11 +64,15 @@ public:
     lua_State* state = nullptr;
     // The script files compiled in this state.
     ScriptChunks scriptChunks;
+    // Whether the state's small blocks come from a pool of its own; read when the state is made. Off, every
+    // block goes to realloc, which benchmarks compare against.
+    bool pooledHeap = true;
 
 private:
     static void* Allocate(void* system, void* block, size_t oldSize, size_t newSize);
 
-    size_t liveBytes = 0;
+    // Made with the state and gone with it.
+    std::optional<LuaHeap> heap;
     uint32_t lastSpaceSerial = 0;
     std::unordered_map<const Space*, uint32_t> spaceSerials;
     mutable const Space* lastLiveSpace = nullptr;

@@ -20,6 +20,13 @@ void* MapZeroedPages(size_t bytes)
     return pages;
 }
 
+void* ReservePages(size_t bytes)
+{
+    void* pages =
+        mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    return pages != MAP_FAILED ? pages : nullptr;
+}
+
 void UnmapPages(void* pages, size_t bytes)
 {
     if (pages != nullptr)
