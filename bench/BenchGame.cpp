@@ -2,11 +2,29 @@
 
 #include "Support/OffscreenWindow.h"
 
+#include <cstdlib>
+#include <cstring>
 #include <fstream>
 
-BenchGame::BenchGame(const BenchFiles& files, bool windowed)
+namespace
+{
+
+bool Pooled(LuaBlocks blocks)
+{
+    if (blocks != LuaBlocks::FromEnvironment)
+    {
+        return blocks == LuaBlocks::Pooled;
+    }
+    const char* realloc = std::getenv("QUELLMAR_BENCH_LUA_REALLOC");
+    return realloc == nullptr || *realloc == '\0' || std::strcmp(realloc, "0") == 0;
+}
+
+} // namespace
+
+BenchGame::BenchGame(const BenchFiles& files, bool windowed, LuaBlocks blocks)
     : cwd(data.Path()), window(windowed ? OpenOffscreenWindow(800, 600) : nullptr), game(window.get(), {})
 {
+    game.lua.pooledHeap = Pooled(blocks);
     for (const auto& [name, text] : files)
     {
         std::ofstream(data.Path() / name) << text;

@@ -16,10 +16,21 @@
 // File names and their texts.
 using BenchFiles = std::vector<std::pair<std::string, std::string>>;
 
+// Where the game's Lua state takes its memory: its own pool, or realloc for every block, which the pool is
+// measured against. By default the pool, unless QUELLMAR_BENCH_LUA_REALLOC is set to anything but 0, so that
+// any benchmark can be run both ways from one build.
+enum class LuaBlocks
+{
+    FromEnvironment,
+    Pooled,
+    Realloc,
+};
+
 class BenchGame
 {
 public:
-    explicit BenchGame(const BenchFiles& files, bool windowed = false);
+    explicit BenchGame(const BenchFiles& files, bool windowed = false,
+                       LuaBlocks blocks = LuaBlocks::FromEnvironment);
     ~BenchGame() { game.LeaveLoop(); }
     BenchGame(const BenchGame&) = delete;
     BenchGame& operator=(const BenchGame&) = delete;
