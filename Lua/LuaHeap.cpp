@@ -56,6 +56,9 @@ LuaHeap::LuaHeap(size_t requestedBytes)
 
 LuaHeap::~LuaHeap()
 {
+    // The sanitizer's marks outlive the mapping: a region mapped later at the same address would start out
+    // poisoned.
+    Unpoison(regionStart, static_cast<size_t>(carved - regionStart));
     Platform::UnmapPages(regionStart, regionBytes);
 }
 

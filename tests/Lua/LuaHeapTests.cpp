@@ -126,4 +126,19 @@ TEST(LuaHeap, AFailedGrowthKeepsTheBlock)
     heap.Reallocate(block, 40, 0);
 }
 
+#if defined(__SANITIZE_ADDRESS__)
+// A freed pool block is poisoned, so the pool hides no use after free from the sanitizer.
+TEST(LuaHeapDeathTest, TheSanitizerSeesAUseOfAFreedPoolBlock)
+{
+    const auto useAfterFree = []
+    {
+        LuaHeap heap(LuaHeap::kRegionBytes);
+        auto* block = static_cast<volatile char*>(heap.Reallocate(nullptr, 0, 32));
+        heap.Reallocate(const_cast<char*>(block), 32, 0);
+        block[8] = 1;
+    };
+    EXPECT_DEATH(useAfterFree(), "use-after-poison");
+}
+#endif
+
 } // namespace
