@@ -107,8 +107,13 @@ std::vector<char*> Pointers(std::vector<std::string>& texts)
 
 // Runs in the child between fork and exec: only async-signal-safe calls. The limits and the disposition
 // of SIGXFSZ survive exec; the disposition is set either way, so the test doesn't inherit ours.
-void LimitFileSize(const RunOptions& options)
+void ApplyLimits(const RunOptions& options)
 {
+    const rlimit space = {options.addressSpaceLimit, options.addressSpaceLimit};
+    if (options.addressSpaceLimit != 0 && setrlimit(RLIMIT_AS, &space) != 0)
+    {
+        _exit(125);
+    }
     if (options.fileSizeLimit == 0)
     {
         return;
@@ -143,7 +148,7 @@ pid_t Spawn(const RunOptions& options, const fs::path& directory, int outputPipe
         {
             _exit(126);
         }
-        LimitFileSize(options);
+        ApplyLimits(options);
         execve(argv[0], argv.data(), envp.data());
         _exit(127);
     }

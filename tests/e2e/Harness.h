@@ -34,6 +34,8 @@ struct RunOptions
     // With a limit: start with SIGXFSZ ignored, so that a write past the limit fails with EFBIG instead of
     // ending the process by the signal.
     bool ignoreFileSizeSignal = false;
+    // The most address space the run may map, in bytes (RLIMIT_AS); 0 for no limit.
+    rlim_t addressSpaceLimit = 0;
 };
 
 struct RunResult

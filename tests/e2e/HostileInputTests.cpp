@@ -110,6 +110,10 @@ TEST(HostileInput, BadCallsOnBodiesCollidersPhysicsAndTheSaveAreLoggedAndTheGame
     RunOptions options;
     options.dataFolder = "hostilescripts";
     options.arguments = {"-multithreaded", "n"};
+    // Room for the game and its GL driver on one thread, and a few hundred megabytes beyond, which a table
+    // that grows forever uses up.
+    options.environment = {"LP_NUM_THREADS=0"};
+    options.addressSpaceLimit = rlim_t{2} << 30;
     const RunResult result = RunEngine(options);
     ASSERT_EQ(result.exitCode, 0) << result.errors;
     EXPECT_EQ(PrintedLines(result.output), std::vector<std::string>{"went on\ttrue\tnil\tnil\t1"});
@@ -129,8 +133,9 @@ TEST(HostileInput, BadCallsOnBodiesCollidersPhysicsAndTheSaveAreLoggedAndTheGame
                   at + "20: bad argument #5 to 'Raycast' (number expected, got no value)",
                   at + "21: cannot save a table that contains itself",
                   at + "22: cannot save tables nested more than 198 deep",
-                  at + "23: RigidBody component is null",
-                  at + "24: Collider component is null",
+                  "Lua error in component coroutine: not enough memory",
+                  at + "24: RigidBody component is null",
+                  at + "25: Collider component is null",
               }));
     EXPECT_EQ(LogMessages(result.output, "Lua", "Warning"), std::vector<std::string>{})
         << "refused data never reaches the file";

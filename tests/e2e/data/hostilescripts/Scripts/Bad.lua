@@ -1,5 +1,5 @@
 -- Each bad call runs unprotected in a coroutine of its own: its error is logged and ends that coroutine
--- only. NaN and infinities go into the bodies, which the engine then steps. A frame later the script
+-- only, running out of memory included. NaN and infinities go into the bodies, which the engine then steps. A frame later the script
 -- reports what still works and quits.
 local body, collider = GameObject.RigidBody, GameObject.Collider
 local doomed = Space:CreateObject({ Name = "Doomed", Transform = {}, RigidBody = {}, Collider = {} })
@@ -20,6 +20,7 @@ local calls = {
     function() Physics.Raycast(1, 2, 3, 4) end,
     function() local t = {} t.t = t os.SaveFile.loop = t end,
     function() local t = {} for _ = 1, 300 do t = { t } end os.SaveFile.deep = t end,
+    function() local t, n = {}, 0 while true do n = n + 1 t[n] = n end end,
     function() wait() staleBody:GetMass() end,
     function() wait() staleCollider:SetRadius(1) end,
 }
