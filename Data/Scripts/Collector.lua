@@ -1,6 +1,7 @@
 -- Looks around with a fan of rays for the nearest comet in sight, flies to it, and catches every comet it
--- touches. The score is a variable that the score board reads.
+-- touches, with a chime for each. The score is a variable that the score board reads.
 local transform = GameObject.Transform
+local audio = GameObject.Audio
 local body = GameObject.RigidBody
 local rays = 32
 
@@ -30,6 +31,7 @@ GameObject.Collider:ConnectCollision(function(own, other)
         Graphics:SpawnParticles(x, y, 0.18, 28, 0.55, 0.65, 0.4, 1, 1, 0.5, 0.2, 1)
         other:Destroy()
         variables.score = variables.score + 1
+        audio:Play()
         print(string.format("Collector caught a comet: score %d", variables.score))
     end
 end)

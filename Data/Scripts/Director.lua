@@ -5,6 +5,9 @@ Graphics:SetClearColour(0.02, 0.03, 0.12)
 local hud = Space:CreateChildSpace("Levels/Hud.lvl")
 hud:SetTimescale(Space:GetTimescale())
 hud:SetPriority(Space:GetPriority() + 1)
+-- As music, looping, from the start. Nothing stops it: it plays on while the score board pauses the game,
+-- and until the game quits.
+GameObject.Audio:Play(true, false, true)
 print("Comet Collector: catch the comets before the time runs out")
 
 local spawned, elapsed, sinceSpawn = 0, 0, spawnEvery
