@@ -1,5 +1,6 @@
 // Every test process runs with HOME and XDG_DATA_HOME in a temporary folder of its own, made before any
-// test starts, so no test ever reads or writes the real user's save file.
+// test starts, so no test ever reads or writes the real user's save file. Its sound goes to OpenAL's null
+// output unless the caller chose another, so no test or benchmark makes a noise or needs a sound card.
 
 #include <cstdlib>
 #include <filesystem>
@@ -22,6 +23,7 @@ public:
         folder = pattern;
         setenv("HOME", folder.c_str(), 1);
         setenv("XDG_DATA_HOME", (folder / "data").c_str(), 1);
+        setenv("ALSOFT_DRIVERS", "null", 0);
     }
     ~IsolatedUserFolders()
     {
