@@ -5,6 +5,7 @@
 #include <AL/al.h>
 #include <cfloat>
 #include <cmath>
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <optional>
 #include <sys/stat.h>
@@ -329,10 +330,15 @@ TEST(SoundLibrary, ADeviceThatDoesntOpenCountsNoneAndPlaysSilently)
         EXPECT_EQ(missing.IsPlaying(channel, playing), result) << time;
     }
 
-    SoundLibrary byDefault;
-    EXPECT_EQ(byDefault.GetNumDrivers(count), R::Ok);
-    EXPECT_GE(count, 1) << "with ALSOFT_DRIVERS=null, OpenAL's null output";
-    EXPECT_EQ(byDefault.Init(512), R::Ok);
+    // The test processes choose OpenAL's null output, unless the caller chose another.
+    if (const char* drivers = std::getenv("ALSOFT_DRIVERS");
+        drivers != nullptr && drivers == std::string("null"))
+    {
+        SoundLibrary byDefault;
+        EXPECT_EQ(byDefault.GetNumDrivers(count), R::Ok);
+        EXPECT_GE(count, 1);
+        EXPECT_EQ(byDefault.Init(512), R::Ok);
+    }
 }
 
 } // namespace
