@@ -1,5 +1,6 @@
 #include "Core/Game.h"
 
+#include "Audio/AudioScript.h"
 #include "Core/GameScript.h"
 #include "Core/Process.h"
 #include "Core/Window.h"
@@ -163,6 +164,7 @@ void Game::StartSystems()
 {
     AddSystem(physics, window);
     AddSystem(lua, window);
+    AddSystem(audio, window);
     if (window != nullptr)
     {
         AddSystem(graphics, window);
@@ -176,8 +178,7 @@ void Game::StartSystems()
 }
 
 // The globals that scripts reach the game by. Each system's script table goes into Game and is also a
-// global of the same name; Graphics only in a game with a window, and Audio once that system has script
-// functions.
+// global of the same name; Graphics only in a game with a window.
 void Game::Lua_Push()
 {
     lua_State* L = lua.state;
@@ -187,6 +188,10 @@ void Game::Lua_Push()
     lua_pushvalue(L, -1);
     lua_setglobal(L, "Physics");
     lua_setfield(L, -2, "Physics");
+    Audio::PushAudioTable(L, audio);
+    lua_pushvalue(L, -1);
+    lua_setglobal(L, "Audio");
+    lua_setfield(L, -2, "Audio");
     if (graphics.IsRunning())
     {
         Graphics::PushGraphicsTable(L, graphics);

@@ -4,6 +4,7 @@
 // settings, the frame counter and the game thread. main constructs it on the stack, calls Run once and
 // destroys it.
 
+#include "Audio/AudioSystem.h"
 #include "Components/Space.h"
 #include "Core/GameSettings.h"
 #include "Core/System.h"
@@ -59,6 +60,7 @@ public:
     Lua::LuaSystem lua;
     Physics::PhysicsSystem physics;
     Graphics::GraphicsSystem graphics;
+    Audio::AudioSystem audio;
     Space rootSpace;
     bool debugDraw = false;
     GameSettings settings;

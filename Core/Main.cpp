@@ -5,6 +5,7 @@
 #include "Core/Process.h"
 #include "Core/Random.h"
 #include "Core/Window.h"
+#include "Platform/SoundLibrary.h"
 
 #include <algorithm>
 #include <clocale>
@@ -27,6 +28,8 @@ int Main(int argc, char** argv)
         return 0;
     }
     Rand();
+    // Before the window: it sets the environment, which only one thread may do.
+    Platform::SoundLibrary::QuietLibraryLog();
 
     // The settings keep the size asked for; the window never opens smaller than it can be made by hand.
     Window window(std::max(settings.width, Window::kMinimumWidth),

@@ -69,14 +69,14 @@ void AddSaveTable(lua_State* L)
     lua_pop(L, 1);
 }
 
-// The drawable and audio components have no script functions until their systems exist. Their metatables
-// are registered empty, so a level key such as "Sprite" adds the component and each of its members logs
-// the missing-member Warning; a system that brings the real functions replaces its placeholder.
-void RegisterDrawableAndAudioPlaceholders(lua_State* L)
+// The drawable components have no script functions in a game without a window, whose graphics never
+// start. Their metatables are registered empty, so a level key such as "Sprite" adds the component and each
+// of its members logs the missing-member Warning; graphics, when it starts, replaces the placeholders.
+void RegisterDrawablePlaceholders(lua_State* L)
 {
     static constexpr luaL_Reg kNoFunctions[] = {{nullptr, nullptr}};
-    for (const int32_t type : {Components::Square, Components::Sprite, Components::TextSprite,
-                               Components::Particle, Components::Audio})
+    for (const int32_t type :
+         {Components::Square, Components::Sprite, Components::TextSprite, Components::Particle})
     {
         RegisterMethodType(L, Components::ComponentTypeName(type), kNoFunctions);
     }
@@ -138,7 +138,7 @@ void LuaSystem::RegisterScriptTypes(LuaSystem& lua)
     lua_pushvalue(state, LUA_REGISTRYINDEX);
     lua_setglobal(state, "__registry");
     RegisterScriptComponentType(state);
-    RegisterDrawableAndAudioPlaceholders(state);
+    RegisterDrawablePlaceholders(state);
     MakeEnvironmentMetatable(state);
 }
 

@@ -335,11 +335,12 @@ Components::ScriptComponent* ResolveScript(lua_State* L, const ComponentUserdata
     return handle.space->scripts.components.Find(handle.handle);
 }
 
-void RegisterMethodType(lua_State* L, const char* name, const luaL_Reg* functions)
+void RegisterMethodType(lua_State* L, const char* name, const luaL_Reg* functions, int upvalues)
 {
     EnsureStack(L, 22);
     luaL_newmetatable(L, name);
-    luaL_setfuncs(L, functions, 0);
+    lua_insert(L, -upvalues - 1);
+    luaL_setfuncs(L, functions, upvalues);
     lua_pushvalue(L, -1);
     lua_setfield(L, -2, "__index");
     lua_pop(L, 1);

@@ -91,8 +91,9 @@ Components::ScriptComponent* ResolveScript(lua_State* L, const ComponentUserdata
 // Lua's own "bad argument" text for a value of the wrong type, with the type name taken from __name.
 int RaiseTypeError(lua_State* L, int index, const char* expected);
 
-// Makes the metatable of a handle type whose methods are found through the metatable itself.
-void RegisterMethodType(lua_State* L, const char* name, const luaL_Reg* functions);
+// Makes the metatable of a handle type whose methods are found through the metatable itself. The functions
+// share the given number of upvalues, taken from the top of the stack.
+void RegisterMethodType(lua_State* L, const char* name, const luaL_Reg* functions, int upvalues = 0);
 
 // Drops the Space's registry entry: its handle stops resolving for good.
 void ForgetSpace(lua_State* L, Space* space);
