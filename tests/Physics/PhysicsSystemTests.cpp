@@ -49,9 +49,10 @@ TEST(PhysicsSystem, TheGameStartsPhysicsBeforeLuaAndStepsTheRootSpace)
     LogCapture capture;
     game.GameLoop();
 
-    ASSERT_EQ(game.systems.size(), 3u);
+    ASSERT_EQ(game.systems.size(), 4u);
     EXPECT_EQ(game.systems[1], &game.physics);
     EXPECT_EQ(game.systems[2], &game.lua);
+    EXPECT_EQ(game.systems[3], &game.audio);
     // The first frame loads the start level, so it steps by exactly 1/60 s; the failed load keeps the ball.
     EXPECT_FLOAT_EQ(observer.seen.x, 1.0f);
 }

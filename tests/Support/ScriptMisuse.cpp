@@ -43,9 +43,16 @@ constexpr const char* kSetupChunk = R"lua(
 math.randomseed(1)
 -- A game with a window draws, and its objects show a sprite, a square, a text and particles as well.
 local drawing = Graphics ~= nil
+-- A tenth of a second of 8 kHz silence for every object to play.
+local samples = string.rep("\0", 1600)
+local sound = assert(io.open("Sound.wav", "wb"))
+sound:write(string.pack("<c4I4c4c4I4I2I2I4I4I2I2c4I4", "RIFF", 36 + #samples, "WAVE", "fmt ", 16, 1, 1, 8000,
+                        16000, 2, 16, "data", #samples), samples)
+sound:close()
 local function Full(space, name, x)
     local object = space:CreateObject({ Name = name, Transform = { Position = { x or 0, 0 } }, RigidBody = {},
-                                        Collider = {}, Script = "MisuseExpose.lua" })
+                                        Collider = {}, Audio = { Source = "Sound.wav" },
+                                        Script = "MisuseExpose.lua" })
     if drawing then
         object:AddComponent("Sprite"):SetFrames("Missing.png")
         object:AddComponent("Square")
@@ -56,10 +63,10 @@ local function Full(space, name, x)
 end
 local function WithComponents(object)
     if drawing then
-        return object, object.Transform, object.RigidBody, object.Collider, object.Script, object.Sprite,
-               object.Square, object.TextSprite, object.Particle
+        return object, object.Transform, object.RigidBody, object.Collider, object.Audio, object.Script,
+               object.Sprite, object.Square, object.TextSprite, object.Particle
     end
-    return object, object.Transform, object.RigidBody, object.Collider, object.Script
+    return object, object.Transform, object.RigidBody, object.Collider, object.Audio, object.Script
 end
 local host = Full(MainSpace, "Host")
 local neighbour = Full(MainSpace, "Neighbour", 0.5)
@@ -100,7 +107,7 @@ local function AddFunctions(kind, functions)
     end
 end
 local registry = debug.getregistry()
-local kinds = { "Space", "GameObject", "Transform", "Script", "RigidBody", "Collider" }
+local kinds = { "Space", "GameObject", "Transform", "Script", "RigidBody", "Collider", "Audio" }
 if Graphics then
     table.move({ "Sprite", "Square", "TextSprite", "Particle" }, 1, 4, #kinds + 1, kinds)
     AddFunctions("Graphics", Graphics)
@@ -109,6 +116,7 @@ for _, kind in ipairs(kinds) do
     AddFunctions(kind, registry[kind])
 end
 AddFunctions("Physics", Physics)
+AddFunctions("Sound", Audio)
 AddFunctions("Input", environment.Input)
 AddFunctions("Environment", { Spawn = environment.Spawn, wait = environment.wait, dofile = environment.dofile })
 AddFunctions("Save", { Set = function(save, key, value) save[key] = value end,
@@ -117,7 +125,7 @@ table.sort(targets, function(a, b) return a[1] .. "." .. a[2] < b[1] .. "." .. b
 
 -- Functions called with a dot take a handler where methods take their handle. A drawing game never hears
 -- "Transform" as a component name: a square whose Transform was removed ends the program by design.
-local selves = { Physics = { Physics }, Graphics = { Graphics }, Input = environment.handlers, Environment = environment.handlers,
+local selves = { Physics = { Physics }, Sound = { Audio }, Graphics = { Graphics }, Input = environment.handlers, Environment = environment.handlers,
                  Save = { os.SaveFile } }
 for _, handle in ipairs(handles) do
     local kind = getmetatable(handle).__name
@@ -143,11 +151,11 @@ local function Pack(...) return { n = select("#", ...), ... } end
 local pool = Pack(nil, true, false, 0, -1, 1, 2, 0.5, -0.0, 0 / 0, math.huge, -math.huge, math.maxinteger,
     math.mininteger, 2 ^ 53, 2 ^ 63, -2 ^ 63, 1e308, 65535, 65536, 1 << 31, "", "1e999", "0x7fffffffffffffff",
     " 12 ", "nan", "AABB", "Circle", Graphics and "Name" or "Transform", "RigidBody", "Collider", "Script", "Sprite", "Name", "Host",
-    "Constant", "Once", "Pulse", "Random", "Position", "FadeOut",
+    "Constant", "Once", "Pulse", "Random", "Position", "FadeOut", "Sound.wav", "Missing.wav", "Audio",
     "MisuseExpose.lua", "Missing.lua", "Levels/Missing.lvl", "/", "\0", string.rep("x", 1000), {}, { 1, 2, 3 },
     { Name = "Made", Transform = { Position = { 0.2, 0 } }, Collider = {} }, { "Missing.arch" }, cyclic, deep,
     raising, tostring, error, function() end, function(...) return ... end, function() return handles end,
-    coroutine.create(function() end), dead, suspended, coroutine.running(), io.stdout, Physics,
+    coroutine.create(function() end), dead, suspended, coroutine.running(), io.stdout, Physics, Audio,
     environment.Input, environment, os.SaveFile, table.unpack(environment.handlers))
 -- The functions of the live script's environment, so that Spawn can start wait or dofile, and those of the
 -- environments of the destroyed objects, whose scripts are gone.

@@ -1,5 +1,6 @@
 #include "Support/ScriptScenario.h"
 
+#include "Debug/Profile.h"
 #include "Support/OffscreenWindow.h"
 
 #include <fstream>
@@ -56,6 +57,8 @@ std::string ScriptScenario::Frame(double dt)
     testing::internal::CaptureStdout();
     game.UpdateSystems(dt, clock);
     game.rootSpace.DeleteDestroyedTree(game);
+    // The frame's profile names scripts by texts that the game owns: it ends with the frame, as in the loop.
+    Debug::TakeProfile();
     // Log lines up to Warning share the stream; the tests read them through the log capture.
     std::istringstream captured(testing::internal::GetCapturedStdout());
     std::string printed;
