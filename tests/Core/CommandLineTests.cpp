@@ -11,150 +11,113 @@ namespace
 {
 
 using Core::CommandLineResult;
-using Core::DemoMode;
 using Core::GameSettings;
 
-// Owns mutable copies of the arguments, as the parser normalises them in place.
-struct Arguments
+// Parses mutable copies of the arguments, as the parser normalises them in place.
+CommandLineResult Parse(std::vector<std::string> texts, GameSettings& settings)
 {
-    explicit Arguments(std::vector<std::string> given) : texts(std::move(given))
-    {
-        texts.insert(texts.begin(), "quellmar");
-        for (std::string& text : texts)
-        {
-            pointers.push_back(text.data());
-        }
-    }
-
-    CommandLineResult Parse(GameSettings& settings)
-    {
-        return Core::ParseCommandLine(static_cast<int>(pointers.size()), pointers.data(), settings);
-    }
-
-    std::vector<std::string> texts;
+    texts.insert(texts.begin(), "quellmar");
     std::vector<char*> pointers;
-};
-
-GameSettings Parse(std::vector<std::string> arguments)
-{
-    GameSettings settings;
-    Arguments(std::move(arguments)).Parse(settings);
-    return settings;
-}
-
-TEST(CommandLine, NoArgumentsKeepTheDefaults)
-{
-    const GameSettings settings = Parse({});
-    EXPECT_EQ(settings.level, "Levels/Start.lvl");
-    EXPECT_EQ(settings.demoMode, DemoMode::None);
-    EXPECT_EQ(settings.width, 1366);
-    EXPECT_EQ(settings.height, 768);
-    EXPECT_TRUE(settings.multithreaded && settings.fullscreen && settings.pumpMessages && settings.vsync);
-    EXPECT_FALSE(settings.debugKeys);
-}
-
-TEST(CommandLine, NamesAreNormalisedButValuesAreNot)
-{
-    const GameSettings settings = Parse({"--WIDTH", "800", "-height", "600", "/fullscreen", "n", "/--LEVEL",
-                                         "Levels/Big.LVL", "/-vsync", "0"});
-    EXPECT_EQ(settings.width, 800);
-    EXPECT_EQ(settings.height, 600);
-    EXPECT_FALSE(settings.fullscreen);
-    EXPECT_FALSE(settings.vsync);
-    EXPECT_EQ(settings.level, "Levels/Big.LVL");
-    // Only one slash and two dashes are stripped.
-    LogCapture capture;
-    Parse({"//width", "1", "---width", "2"});
-    EXPECT_EQ(capture.Messages("Command Line", LogLevel::Warning),
-              (std::vector<std::string>{
-                  "Unrecognised command line option: /width", "Unrecognised command line option: 1",
-                  "Unrecognised command line option: -width", "Unrecognised command line option: 2"}));
-}
-
-TEST(CommandLine, YesNoValuesAreJudgedByTheirFirstCharacter)
-{
-    EXPECT_TRUE(Parse({"-debugkeys", "yes"}).debugKeys);
-    EXPECT_TRUE(Parse({"-reset-keys", "1"}).debugKeys);
-    EXPECT_TRUE(Parse({"-multithreaded", "no"}).multithreaded == false);
-    EXPECT_FALSE(Parse({"-fullscreen", "Y"}).fullscreen);
-    EXPECT_FALSE(Parse({"-fullscreen", "true"}).fullscreen);
-    EXPECT_FALSE(Parse({"-fullscreen", ""}).fullscreen);
-}
-
-TEST(CommandLine, NumbersReadLikeAtoiAndSizesAreKeptUnclamped)
-{
-    EXPECT_EQ(Parse({"-width", "100"}).width, 100);
-    EXPECT_EQ(Parse({"-width", "abc"}).width, 0);
-    EXPECT_EQ(Parse({"-width", "12px"}).width, 12);
-    EXPECT_EQ(Parse({"-height", "-479"}).height, -479);
-    EXPECT_EQ(Parse({"-height", "4294967297"}).height, 1);
-    EXPECT_EQ(Parse({"-height", "99999999999999999999999"}).height, -1);
-}
-
-TEST(CommandLine, AValueOptionTakesTheNextArgumentWhateverItLooksLike)
-{
-    const GameSettings settings = Parse({"-level", "-width", "-width", "700"});
-    EXPECT_EQ(settings.level, "-width");
-    EXPECT_EQ(settings.width, 700);
-}
-
-TEST(CommandLine, UnrecognisedOptionsAreReportedAndTheirValuesReadAsOptions)
-{
-    LogCapture capture;
-    const GameSettings settings = Parse({"-foo", "bar", "-width", "800", "", "name=value"});
-    EXPECT_EQ(settings.width, 800);
-    EXPECT_EQ(capture.Messages("Command Line", LogLevel::Warning),
-              (std::vector<std::string>{
-                  "Unrecognised command line option: foo", "Unrecognised command line option: bar",
-                  "Unrecognised command line option: ", "Unrecognised command line option: name=value"}));
-}
-
-TEST(CommandLine, AValueOptionWithoutItsValueIsReportedAndIgnored)
-{
-    LogCapture capture;
-    const GameSettings settings = Parse({"-width", "900", "-LEVEL"});
-    EXPECT_EQ(settings.width, 900);
-    EXPECT_EQ(settings.level, "Levels/Start.lvl");
-    EXPECT_EQ(capture.Messages("Command Line", LogLevel::Warning),
-              std::vector<std::string>{"Command line option needs a value: level"});
-}
-
-TEST(CommandLine, HelpStopsTheWalkWhereverItStands)
-{
-    for (const char* help : {"h", "-HELP", "/commands", "--list", "?"})
+    for (std::string& text : texts)
     {
-        GameSettings settings;
-        Arguments arguments({"-width", "800", "-bogus", help, "-height", "500"});
-        EXPECT_EQ(arguments.Parse(settings), CommandLineResult::ShowHelp) << help;
-        EXPECT_EQ(settings.width, 800);
-        EXPECT_EQ(settings.height, 768);
+        pointers.push_back(text.data());
     }
-    EXPECT_TRUE(std::string(Core::HelpText()).ends_with("whether to use vsync or not\n"));
+    return Core::ParseCommandLine(static_cast<int>(pointers.size()), pointers.data(), settings);
 }
 
-TEST(CommandLine, TheLastDemoOptionWinsModeAndFile)
+// The fields that differ from the defaults, as "name=value" words, so a table row names what it expects.
+std::string Changes(const GameSettings& settings)
 {
-    GameSettings settings = Parse({"-record", "a.dem", "--play-demo", "b.dem"});
-    EXPECT_EQ(settings.demoMode, DemoMode::Play);
-    EXPECT_EQ(settings.demoFile, "b.dem");
-    settings = Parse({"/playdemo", "b.dem", "-RecordDemo", "c.dem"});
-    EXPECT_EQ(settings.demoMode, DemoMode::Record);
-    EXPECT_EQ(settings.demoFile, "c.dem");
+    const GameSettings defaults;
+    std::string changes;
+    const auto add = [&](const char* name, const auto& value, const auto& initial)
+    {
+        if (value != initial)
+        {
+            changes += std::string(changes.empty() ? "" : " ") + name + "=" + testing::PrintToString(value);
+        }
+    };
+    add("width", settings.width, defaults.width);
+    add("height", settings.height, defaults.height);
+    add("fullscreen", settings.fullscreen, defaults.fullscreen);
+    add("vsync", settings.vsync, defaults.vsync);
+    add("multithreaded", settings.multithreaded, defaults.multithreaded);
+    add("debugKeys", settings.debugKeys, defaults.debugKeys);
+    add("pumpMessages", settings.pumpMessages, defaults.pumpMessages);
+    add("level", settings.level, defaults.level);
+    add("demo", static_cast<int>(settings.demoMode), static_cast<int>(defaults.demoMode));
+    add("demoFile", settings.demoFile, defaults.demoFile);
+    return changes;
+}
+
+std::string Unrecognised(const std::string& option)
+{
+    return "Unrecognised command line option: " + option;
+}
+
+TEST(CommandLine, OptionsSetTheirFieldAndReportWhatTheyCannotRead)
+{
+    struct Row
+    {
+        std::vector<std::string> arguments;
+        std::string expected;
+        std::vector<std::string> warnings;
+    };
+    const Row rows[] = {
+        {{}, "", {}},
+        // Names lose one slash, then up to two dashes, and their case; values are kept as given.
+        {{"--WIDTH", "800", "-height", "600", "/fullscreen", "n", "/--LEVEL", "Levels/Big.LVL", "/-vsync",
+          "0"},
+         "width=800 height=600 fullscreen=false vsync=false level=\"Levels/Big.LVL\"",
+         {}},
+        {{"//width", "1", "---width", "2"},
+         "",
+         {Unrecognised("/width"), Unrecognised("1"), Unrecognised("-width"), Unrecognised("2")}},
+        // Yes and no are judged by the first character alone.
+        {{"-debugkeys", "yes", "-multithreaded", "no"}, "multithreaded=false debugKeys=true", {}},
+        {{"-reset-keys", "1", "-fullscreen", "Y"}, "fullscreen=false debugKeys=true", {}},
+        {{"-fullscreen", "true"}, "fullscreen=false", {}},
+        {{"-fullscreen", ""}, "fullscreen=false", {}},
+        // Numbers read like atoi and stay unclamped.
+        {{"-width", "abc", "-height", "-479"}, "width=0 height=-479", {}},
+        {{"-width", "12px", "-height", "4294967297"}, "width=12 height=1", {}},
+        {{"-height", "99999999999999999999999"}, "height=-1", {}},
+        // A value option takes the next argument whatever it looks like.
+        {{"-level", "-width", "-width", "700"}, "width=700 level=\"-width\"", {}},
+        {{"-width", "900", "-LEVEL"}, "width=900", {"Command line option needs a value: level"}},
+        // An unknown option's value is read as an option of its own.
+        {{"-foo", "bar", "-width", "800", "", "name=value"},
+         "width=800",
+         {Unrecognised("foo"), Unrecognised("bar"), Unrecognised(""), Unrecognised("name=value")}},
+        // The last demo option wins both mode and file.
+        {{"-record", "a.dem", "--play-demo", "b.dem"}, "demo=2 demoFile=\"b.dem\"", {}},
+        {{"/playdemo", "b.dem", "-RecordDemo", "c.dem"}, "demo=1 demoFile=\"c.dem\"", {}},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(testing::PrintToString(row.arguments));
+        LogCapture capture;
+        GameSettings settings;
+        EXPECT_EQ(Parse(row.arguments, settings), CommandLineResult::Run);
+        EXPECT_EQ(Changes(settings), row.expected);
+        EXPECT_EQ(capture.Messages("Command Line", LogLevel::Warning), row.warnings);
+    }
 }
 
 TEST(CommandLine, SeedReseedsTheGeneratorAtOnce)
 {
+    GameSettings settings;
     Core::SeedRand(7);
-    Parse({"-seed", "1"});
+    Parse({"-seed", "1"}, settings);
     EXPECT_EQ(Core::Rand(), 41);
-    Parse({"-seed", "nonsense"});
+    Parse({"-seed", "nonsense"}, settings);
     const int32_t afterZero = Core::Rand();
     Core::SeedRand(0);
     EXPECT_EQ(afterZero, Core::Rand());
 }
 
-// Random argument vectors: well-formed options in random spellings mixed with unknown junk. The parser
-// never fails, and the last value given for each option wins.
+// Random argument vectors: well-formed options in random spellings mixed with junk. The parser never
+// fails, and the last value given for each option wins.
 TEST(CommandLine, RandomArgumentVectorsFollowTheLastValueGiven)
 {
     const std::vector<std::string> widthSpellings = {"width", "-WIDTH", "--Width", "/width", "/--wIdTh"};
@@ -194,7 +157,7 @@ TEST(CommandLine, RandomArgumentVectorsFollowTheLastValueGiven)
             }
         }
         GameSettings settings;
-        ASSERT_EQ(Arguments(arguments).Parse(settings), CommandLineResult::Run);
+        ASSERT_EQ(Parse(arguments, settings), CommandLineResult::Run);
         ASSERT_EQ(settings.width, expected.width) << round;
         ASSERT_EQ(settings.level, expected.level) << round;
         capture.Clear();

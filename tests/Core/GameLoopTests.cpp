@@ -1,5 +1,8 @@
 #include "Core/Game.h"
 #include "Debug/Exception.h"
+#include "FileSystem/AssetManager.h"
+#include "Graphics/Bitmap.h"
+#include "Support/ImageWriters.h"
 #include "Support/LogCapture.h"
 #include "Support/TempFolder.h"
 
@@ -113,20 +116,27 @@ TEST_F(GameLoop, TheLoadingFrameStepsByOneSixtiethAndTheNextMeasuresFromItsStart
     EXPECT_EQ(history[3], 1.0 / 60.0);
 }
 
-TEST_F(GameLoop, SpacesKeepTheirOwnClocksByTimescaleAndPause)
+TEST_F(GameLoop, SpacesKeepTheirOwnClocksAndFlaggedOnesGoBeforeTheNextUpdate)
 {
     Space& fast = game.rootSpace.CreateChild();
     fast.timescale = 2.0;
     Space& still = game.rootSpace.CreateChild();
     still.timescale = 0.0;
     Space& paused = game.rootSpace.CreateChild();
+    Space& doomed = paused.CreateChild();
+    Space* created = nullptr;
     game.AddSystem(recorder, nullptr);
     recorder.framesToRun = 4;
     recorder.onUpdate = [&](Core::Game& running, Space& space)
     {
-        if (running.frame == 2 && &space == &paused)
+        paused.paused = paused.paused || (running.frame == 2 && &space == &paused);
+        // Flagged spaces go at the next frame's start, before any update; one made and flagged in the
+        // same frame is never updated.
+        if (running.frame == 1 && &space == &running.rootSpace)
         {
-            paused.paused = true;
+            doomed.destroyRequested = true;
+            created = &running.rootSpace.CreateChild();
+            created->destroyRequested = true;
         }
     };
     Run();
@@ -145,9 +155,13 @@ TEST_F(GameLoop, SpacesKeepTheirOwnClocksByTimescaleAndPause)
     }
     EXPECT_EQ(pausedCalls[2].dt, pausedCalls[1].dt);
     EXPECT_EQ(pausedCalls[3].spaceTime, pausedCalls[1].spaceTime);
+    EXPECT_EQ(recorder.CallsFor(created).size(), 0u);
+    EXPECT_EQ(recorder.CallsFor(&doomed).size(), 1u);
 }
 
-TEST_F(GameLoop, EverySpaceSeesOneSystemBeforeAnySeesTheNext)
+// Every space sees one system before any sees the next; leaving the loop destroys every space, then shuts
+// the systems down in reverse order.
+TEST_F(GameLoop, SystemsRunInTurnAndLeavingTheLoopDestroysSpacesThenShutsDown)
 {
     RecordingSystem second{"Second", journal};
     Space& child = game.rootSpace.CreateChild();
@@ -161,46 +175,15 @@ TEST_F(GameLoop, EverySpaceSeesOneSystemBeforeAnySeesTheNext)
     { order.push_back(&space == &child ? "R child" : "R root"); };
     second.onUpdate = [&](Core::Game&, Space& space)
     { order.push_back(&space == &child ? "S child" : "S root"); };
+    LogCapture capture;
     Run();
     EXPECT_EQ(order, (std::vector<std::string>{"R child", "R root", "S child", "S root"}));
     EXPECT_EQ(journal, (std::vector<std::string>{"Recorder Initialise", "Second Initialise",
                                                  "Second Shutdown", "Recorder Shutdown"}));
-}
-
-TEST_F(GameLoop, FlaggedSpacesGoAtTheNextFrameStartBeforeAnyUpdate)
-{
-    Space& child = game.rootSpace.CreateChild();
-    Space& grandchild = child.CreateChild();
-    game.AddSystem(recorder, nullptr);
-    recorder.framesToRun = 3;
-    Space* created = nullptr;
-    recorder.onUpdate = [&](Core::Game& running, Space& space)
-    {
-        if (running.frame == 1 && &space == &running.rootSpace)
-        {
-            grandchild.destroyRequested = true;
-            created = &running.rootSpace.CreateChild();
-            created->destroyRequested = true;
-        }
-    };
-    Run();
-    EXPECT_EQ(recorder.CallsFor(&child).size(), 3u);
-    EXPECT_EQ(recorder.CallsFor(created).size(), 0u) << "flagged in the frame it was made, never updated";
-    EXPECT_EQ(recorder.CallsFor(&grandchild).size(), 1u);
-}
-
-TEST_F(GameLoop, LeavingTheLoopDestroysEverySpaceThenShutsSystemsDown)
-{
-    game.rootSpace.CreateChild().CreateChild();
-    game.AddSystem(recorder, nullptr);
-    recorder.framesToRun = 1;
-    LogCapture capture;
-    Run();
     EXPECT_EQ(game.rootSpace.firstChild, nullptr);
     EXPECT_EQ(capture.Messages("Space", LogLevel::Debug), std::vector<std::string>{"Deleting top space"});
     EXPECT_EQ(capture.Messages("Game", LogLevel::Warning),
               std::vector<std::string>{"Game does not have a window"});
-    EXPECT_EQ(journal.back(), "Recorder Shutdown");
 }
 
 TEST_F(GameLoop, ResetDestroysChildrenAtOnceAndSchedulesTheStartLevel)
@@ -214,28 +197,24 @@ TEST_F(GameLoop, ResetDestroysChildrenAtOnceAndSchedulesTheStartLevel)
     EXPECT_TRUE(game.rootSpace.levelScheduled);
 }
 
-TEST_F(GameLoop, PauseIsLoggedOnlyWhenItChanges)
+// Pausing logs only a change of state; a paused game sleeps between frames but keeps updating.
+TEST_F(GameLoop, APausedGameSleepsBetweenFramesButKeepsUpdating)
 {
     LogCapture capture;
     game.SetPaused(false);
     game.SetPaused(true);
     game.SetPaused(true);
-    game.SetPaused(false);
-    EXPECT_EQ(capture.Messages("Core", LogLevel::Debug),
-              (std::vector<std::string>{"pausing game", "Unpausing game"}));
-    EXPECT_FALSE(game.paused);
-}
-
-TEST_F(GameLoop, APausedGameSleepsBetweenFramesButKeepsUpdating)
-{
+    EXPECT_EQ(capture.Messages("Core", LogLevel::Debug), std::vector<std::string>{"pausing game"});
     game.AddSystem(recorder, nullptr);
     recorder.framesToRun = 3;
-    game.SetPaused(true);
     Run();
     const std::vector<UpdateCall> calls = recorder.CallsFor(&game.rootSpace);
     ASSERT_EQ(calls.size(), 3u);
     EXPECT_GE(calls[1].dt, 0.066);
     EXPECT_GE(calls[2].dt, 0.066);
+    game.SetPaused(false);
+    EXPECT_EQ(capture.Messages("Core", LogLevel::Debug),
+              (std::vector<std::string>{"pausing game", "Unpausing game"}));
 }
 
 class RefusingSystem final : public Core::System
@@ -261,6 +240,25 @@ TEST_F(GameLoop, StartFailuresAndASecondRunRaise)
     ASSERT_EQ(fatal.size(), 2u);
     EXPECT_TRUE(fatal[0].starts_with("Exception: Failed to initialise system Refuser\n"));
     EXPECT_TRUE(fatal[1].starts_with("Exception: Game is already running!\n"));
+}
+
+// A level load sweeps the bitmap cache's expired entries and keeps the live ones.
+TEST_F(GameLoop, ALevelLoadSweepsExpiredBitmapsAndKeepsLiveOnes)
+{
+    const TempFolder directory;
+    const std::string expired = directory.Write("expired.bmp", MakeBmp(1, 1, {1, 2, 3}));
+    const std::string live = directory.Write("live.bmp", MakeBmp(1, 1, {1, 2, 3}));
+    FileSystem::LoadBitmap(expired);
+    const std::shared_ptr<Graphics::Bitmap> kept = FileSystem::LoadBitmap(live);
+    game.AddSystem(recorder, nullptr);
+    recorder.framesToRun = 1;
+    Run();
+
+    const LogCapture log;
+    EXPECT_EQ(FileSystem::LoadBitmap(live), kept);
+    FileSystem::LoadBitmap(expired);
+    EXPECT_EQ(log.Messages("AssetManager", LogLevel::Info),
+              std::vector<std::string>{"Loading bitmap \"" + expired + "\""});
 }
 
 } // namespace
