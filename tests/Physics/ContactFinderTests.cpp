@@ -179,38 +179,34 @@ protected:
     std::vector<Physics::Contact> found;
 };
 
-TEST_F(ContactFinder, EqualCirclesGiveThePlainWalksContactsInItsOrder)
+TEST_F(ContactFinder, EveryKindOfSceneGivesThePlainWalksContactsInItsOrder)
 {
-    ExpectSameAsAllPairs(SceneKind::EqualCircles, 20, 600);
-}
-
-TEST_F(ContactFinder, MixedSizesAndClutterGiveThePlainWalksContactsInItsOrder)
-{
-    ExpectSameAsAllPairs(SceneKind::MixedSizes, 20, 400);
-    ExpectSameAsAllPairs(SceneKind::Clutter, 30, 400);
-    ExpectSameAsAllPairs(SceneKind::FarClusters, 10, 300);
-}
-
-TEST_F(ContactFinder, NanInfinityAndGrazingPairsGiveThePlainWalksContacts)
-{
-    ExpectSameAsAllPairs(SceneKind::Hostile, 30, 300);
-    ExpectSameAsAllPairs(SceneKind::Grazing, 30, 300);
+    struct Row
+    {
+        SceneKind kind;
+        int scenes, maxCount;
+    };
+    for (const Row row : {Row{SceneKind::EqualCircles, 20, 600}, Row{SceneKind::MixedSizes, 20, 400},
+                          Row{SceneKind::Clutter, 30, 400}, Row{SceneKind::FarClusters, 10, 300},
+                          Row{SceneKind::Hostile, 30, 300}, Row{SceneKind::Grazing, 30, 300}})
+    {
+        SCOPED_TRACE(static_cast<int>(row.kind));
+        ExpectSameAsAllPairs(row.kind, row.scenes, row.maxCount);
+    }
 }
 
 TEST_F(ContactFinder, ANanCircleTouchesEveryOtherAndAnEmptySpaceHasNoContacts)
 {
-    Space& space = game.rootSpace;
-    finder.FindContacts(space, found);
+    finder.FindContacts(game.rootSpace, found);
     EXPECT_TRUE(found.empty());
-    AddCircle(AddObject(space, Vec2{0.0f, 0.0f}), 0.5f);
-    AddCircle(AddObject(space, Vec2{std::nanf(""), 0.0f}), 0.5f);
-    AddCircle(AddObject(space, Vec2{100.0f, 0.0f}), 0.5f);
-    finder.FindContacts(space, found);
+    for (const float x : {0.0f, std::nanf(""), 100.0f})
+    {
+        AddCircle(AddObject(game.rootSpace, Vec2{x, 0.0f}), 0.5f);
+    }
+    finder.FindContacts(game.rootSpace, found);
     ASSERT_EQ(found.size(), 2u);
-    EXPECT_EQ(found[0].first, 0u);
-    EXPECT_EQ(found[0].second, 1u);
-    EXPECT_EQ(found[1].first, 1u);
-    EXPECT_EQ(found[1].second, 2u);
+    EXPECT_EQ(std::make_pair(found[0].first, found[0].second), std::make_pair(0u, 1u));
+    EXPECT_EQ(std::make_pair(found[1].first, found[1].second), std::make_pair(1u, 2u));
 }
 
 } // namespace

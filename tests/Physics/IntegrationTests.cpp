@@ -81,7 +81,7 @@ TEST_F(Integration, BodiesWithoutMassOrTransformStayAndRemovedBodiesMoveUntilThe
     EXPECT_EQ(BodyOf(orphan).velocity, (Vec2{1.0f, 1.0f}));
 }
 
-TEST_F(Integration, APausedSpaceDoesNotStepAndTheSystemNarrowsDtToFloat)
+TEST_F(Integration, APausedSpaceDoesNotStepTheSystemNarrowsDtAndStartingResetsGravity)
 {
     const GameObjectHandle object = Body(Vec2{}, Vec2{1.0f, 0.0f});
     BodyOf(object).ignoreDrag = true;
@@ -93,14 +93,11 @@ TEST_F(Integration, APausedSpaceDoesNotStepAndTheSystemNarrowsDtToFloat)
     const double dt = 0.1;
     physics.Update(game, space, dt, dt, dt);
     EXPECT_EQ(TransformOf(object).position.x, static_cast<float>(dt));
-}
 
-TEST_F(Integration, GravityResetsAtStartAndDragKeepsItsValue)
-{
     physics.gravity = Vec2{3.0f, 4.0f};
     physics.drag = 0.5f;
     EXPECT_TRUE(physics.Initialise(nullptr));
-    EXPECT_EQ(physics.gravity, Vec2{});
+    EXPECT_EQ(physics.gravity, Vec2{}) << "gravity resets at the start, drag keeps its value";
     EXPECT_EQ(physics.drag, 0.5f);
 }
 

@@ -1,9 +1,6 @@
-#include "Components/ColliderComponent.h"
-#include "Components/GameObject.h"
-#include "Components/RigidBodyComponent.h"
-#include "Components/TransformComponent.h"
 #include "Lua/ScriptHandles.h"
 #include "Physics/PhysicsScript.h"
+#include "Support/PhysicsScene.h"
 #include "Support/ScriptScenario.h"
 
 #include <lua.hpp>
@@ -11,46 +8,34 @@
 namespace
 {
 
-using Components::ComponentType;
+using namespace PhysicsScene;
 
 class PhysicsScript : public ScriptScenario
 {
 protected:
-    // A new object in the root space with a transform at the position and the given components.
-    GameObjectHandle Body(Vec2 position, std::initializer_list<int32_t> types)
+    // An object of the root space with a circle of radius 0.5 at the position.
+    GameObjectHandle Circle(Vec2 position)
     {
-        const GameObjectHandle handle = game.rootSpace.CreateObject();
-        handle.Get().AddComponent(ComponentType::Transform);
-        for (const int32_t type : types)
-        {
-            handle.Get().AddComponent(type);
-        }
-        game.rootSpace.transforms.components.Find(handle.Get().components[ComponentType::Transform])
-            ->position = position;
-        return handle;
+        const GameObjectHandle object = AddObject(game.rootSpace, position);
+        AddCircle(object, 0.5f);
+        return object;
     }
-
     // Publishes the object's component as a global for the scripts.
     void Publish(const char* name, GameObjectHandle object, int32_t type)
     {
         Lua::PushComponent(L(), object.space, type, object.Get().components[static_cast<size_t>(type)]);
         lua_setglobal(L(), name);
     }
-
-    Components::ColliderComponent& ColliderOf(GameObjectHandle object)
-    {
-        return *game.rootSpace.colliders.components.Find(object.Get().components[ComponentType::Collider]);
-    }
 };
 
 TEST_F(PhysicsScript, BodiesAndCollidersReadAndWriteTheirFields)
 {
-    const GameObjectHandle object = Body({0, 0}, {ComponentType::RigidBody});
-    game.rootSpace.transforms.components.Find(object.Get().components[ComponentType::Transform])->scale = {2,
-                                                                                                           4};
-    object.Get().AddComponent(ComponentType::Collider);
-    Publish("body", object, ComponentType::RigidBody);
-    Publish("collider", object, ComponentType::Collider);
+    const GameObjectHandle object = AddObject(game.rootSpace, Vec2{});
+    AddBody(object, Vec2{});
+    TransformOf(object).scale = {2, 4};
+    object.Get().AddComponent(Components::Collider);
+    Publish("body", object, Components::RigidBody);
+    Publish("collider", object, Components::Collider);
     EXPECT_EQ(Run(R"lua(
         body:SetMass(2) body:ApplyForce(8, 0)
         local vx, vy = body:GetVelocity()
@@ -77,41 +62,10 @@ TEST_F(PhysicsScript, BodiesAndCollidersReadAndWriteTheirFields)
     EXPECT_NE(Run("collider.GetRadius(body)").find("Collider expected, got RigidBody"), std::string::npos);
 }
 
-TEST_F(PhysicsScript, HandlersRunInTheSameFrameWithOwnOtherAndThePoint)
-{
-    const GameObjectHandle left = Body({0, 0}, {ComponentType::Collider});
-    const GameObjectHandle right = Body({0.75f, 0}, {ComponentType::Collider});
-    Publish("leftCollider", left, ComponentType::Collider);
-    Publish("rightCollider", right, ComponentType::Collider);
-    Lua::PushGameObject(left.Get(), L());
-    lua_setglobal(L(), "leftBody");
-    Lua::PushGameObject(right.Get(), L());
-    lua_setglobal(L(), "rightBody");
-    Write("Left.lua", R"lua(
-        local function onHit(own, other, x, y)
-            print("left", own == leftBody, other == rightBody, x, y)
-        end
-        leftCollider:ConnectCollision(onHit)
-        leftCollider:ConnectCollision(onHit)
-    )lua");
-    Write("Right.lua", R"lua(
-        rightCollider:ConnectCollision(function(own, other, x, y) print("right", own == rightBody, other == leftBody, x, y) end)
-        rightCollider:ConnectCollision(function() local upvalue = 1 return upvalue end)
-    )lua");
-    Attach("Left.lua");
-    Attach("Right.lua");
-    EXPECT_EQ(Frame(1.0 / 60.0), "");
-    ASSERT_NE(ColliderOf(left).collisionEvents, 0);
-    const std::string printed = Frame(1.0 / 60.0);
-    EXPECT_NE(printed.find("left\ttrue\ttrue\t0.5\t0.0\n"), std::string::npos) << printed;
-    EXPECT_NE(printed.find("right\ttrue\ttrue\t0.5\t0.0\n"), std::string::npos) << printed;
-    EXPECT_TRUE(Errors().empty());
-}
-
 TEST_F(PhysicsScript, ConnectingChecksTheHandlersEnvironmentAndDisconnectingEmptiesTheTable)
 {
-    const GameObjectHandle object = Body({0, 0}, {ComponentType::Collider});
-    Publish("collider", object, ComponentType::Collider);
+    const GameObjectHandle object = Circle(Vec2{});
+    Publish("collider", object, Components::Collider);
     EXPECT_EQ(Run("collider:ConnectCollision(function() end)"), "") << "no upvalue: nothing connected";
     EXPECT_EQ(ColliderOf(object).collisionEvents, 0);
     EXPECT_NE(Run("local secret = 1 collider:ConnectCollision(function() return secret end)")
@@ -137,9 +91,9 @@ TEST_F(PhysicsScript, ConnectingChecksTheHandlersEnvironmentAndDisconnectingEmpt
 
 TEST_F(PhysicsScript, AHandlerWhoseStartFailsIsLoggedAndDisconnected)
 {
-    const GameObjectHandle left = Body({0, 0}, {ComponentType::Collider});
-    Body({0.5f, 0}, {ComponentType::Collider});
-    Publish("collider", left, ComponentType::Collider);
+    const GameObjectHandle left = Circle(Vec2{});
+    Circle(Vec2{0.5f, 0.0f});
+    Publish("collider", left, Components::Collider);
     Write("Failing.lua", R"lua(
         Spawn = function() error("no start today") end
         collider:ConnectCollision(function() print("never") end)
@@ -156,15 +110,12 @@ TEST_F(PhysicsScript, AHandlerWhoseStartFailsIsLoggedAndDisconnected)
 
 TEST_F(PhysicsScript, ThePhysicsTableSetsTheWorldAndCastsRaysInTheRootSpaceOnly)
 {
-    const GameObjectHandle target = Body({5, 0}, {ComponentType::Collider});
-    Space& child = game.rootSpace.CreateChild();
-    const GameObjectHandle hidden = child.CreateObject();
-    hidden.Get().AddComponent(ComponentType::Transform);
-    hidden.Get().AddComponent(ComponentType::Collider);
+    const GameObjectHandle target = Circle(Vec2{5.0f, 0.0f});
+    AddCircle(AddObject(game.rootSpace.CreateChild(), Vec2{}), 0.5f);
     ColliderOf(target).collisionGroup = 5;
     Physics::PushPhysicsTable(L(), game.physics, game.rootSpace);
     lua_setglobal(L(), "Physics");
-    Publish("collider", target, ComponentType::Collider);
+    Publish("collider", target, Components::Collider);
     EXPECT_EQ(Run(R"lua(
         Physics:SetGravity(0, -9.5) Physics:SetDrag(0.25)
         local gx, gy = Physics:GetGravity()

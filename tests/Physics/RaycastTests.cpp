@@ -82,7 +82,7 @@ TEST_F(Raycast, GroupsExcludeAndEqualDistancesKeepArrayOrder)
 }
 
 // The ray reaches colliders through their owners: what the owner has now, not what the collider stored.
-TEST_F(Raycast, OnlyLiveCirclesOfLiveOwnersAreHit)
+TEST_F(Raycast, OnlyLiveCirclesOfLiveOwnersAreHitWhereTheirParentsCarryThem)
 {
     const GameObjectHandle box = Circle(Vec2{0.0f, 2.0f}, 1.0f);
     ColliderOf(box).type = Components::ColliderType::AABB;
@@ -101,20 +101,15 @@ TEST_F(Raycast, OnlyLiveCirclesOfLiveOwnersAreHit)
     EXPECT_EQ(hits[0].object.handle, replaced.handle);
     EXPECT_FLOAT_EQ(hits[0].distance, 9.0f);
 
-    Space& child = space.CreateChild();
-    const GameObjectHandle elsewhere = AddObject(child, Vec2{0.0f, 1.0f});
-    AddCircle(elsewhere, 1.0f);
+    AddCircle(AddObject(space.CreateChild(), Vec2{0.0f, 1.0f}), 1.0f);
     EXPECT_EQ(Cast(Vec2{}, Vec2{0.0f, 3.0f}).size(), 0u) << "a space's ray sees only its own colliders";
-}
 
-TEST_F(Raycast, ParentsTurnAndCarryTheCircles)
-{
     const GameObjectHandle parent = AddObject(space, Vec2{5.0f, 5.0f});
     TransformOf(parent).rotation = 1.5707963f;
     const GameObjectHandle child = Circle(Vec2{1.0f, 0.0f}, 0.5f);
     TransformOf(child).SetParent(parent.Get().GetTransform(), true);
     ASSERT_EQ(Cast(Vec2{5.0f, 0.0f}, Vec2{0.0f, 10.0f}).size(), 1u);
-    EXPECT_NEAR(hits[0].hit.y, 5.5f, 1e-5f) << "the child sits at (5, 6) in the world";
+    EXPECT_NEAR(hits[0].hit.y, 5.5f, 1e-5f) << "a turned parent carries its child to (5, 6) in the world";
 }
 
 } // namespace

@@ -48,20 +48,19 @@ protected:
     }
     ~Response() override { space.Destroy(game); }
 
-    GameObjectHandle Ball(Vec2 position, Vec2 velocity, float mass = 1.0f, float radius = 0.5f)
+    GameObjectHandle Ball(Space& in, Vec2 position, Vec2 velocity, float mass = 1.0f, float radius = 0.5f)
     {
-        const GameObjectHandle object = AddObject(space, position);
+        const GameObjectHandle object = AddObject(in, position);
         AddCircle(object, radius);
         AddBody(object, velocity, mass);
         return object;
     }
-    GameObjectHandle Post(Vec2 position, float radius = 0.5f)
+    GameObjectHandle Post(Space& in, Vec2 position, float radius = 0.5f)
     {
-        const GameObjectHandle object = AddObject(space, position);
+        const GameObjectHandle object = AddObject(in, position);
         AddCircle(object, radius);
         return object;
     }
-    void Respond() { physics.Step(space, 0.0f); }
 
     Core::Game game{nullptr, Core::GameSettings{}};
     Space& space = game.rootSpace;
@@ -69,91 +68,64 @@ protected:
     RecordingListener listener;
 };
 
-TEST_F(Response, AHeadOnPairExchangesImpulseWithTheOverlapBiasAddedBeforeTheMassDivision)
+// One pair per row, A at the origin and B on the x axis, in a space of its own.
+TEST_F(Response, PairImpulsesFollowRestitutionMassesBiasAndSlop)
 {
-    const GameObjectHandle a = Ball(Vec2{0.0f, 0.0f}, Vec2{1.0f, 0.0f});
-    const GameObjectHandle b = Ball(Vec2{0.9f, 0.0f}, Vec2{-1.0f, 0.0f});
-    Respond();
-    // j = 2 * 2 + (0.1 - 0.01) * 0.5 = 4.045, shared by two unit masses.
-    EXPECT_FLOAT_EQ(BodyOf(a).velocity.x, 1.0f - 2.0225f);
-    EXPECT_FLOAT_EQ(BodyOf(b).velocity.x, -1.0f + 2.0225f);
-    EXPECT_EQ(BodyOf(a).velocity.y, 0.0f);
-    EXPECT_EQ(TransformOf(a).position, Vec2{}) << "the response never moves anything";
-
-    // Now separating: no second impulse.
-    const Vec2 after = BodyOf(a).velocity;
-    Respond();
-    EXPECT_EQ(BodyOf(a).velocity, after);
-}
-
-TEST_F(Response, TheSmallerRestitutionAndBothMassesShapeTheImpulse)
-{
-    // Exactly touching: a contact, with no bias.
-    const GameObjectHandle a = Ball(Vec2{0.0f, 0.0f}, Vec2{1.0f, 0.0f}, 2.0f);
-    const GameObjectHandle b = Ball(Vec2{1.0f, 0.0f}, Vec2{0.0f, 0.0f}, 1.0f);
-    ColliderOf(a).restitution = 0.5f;
-    ColliderOf(b).restitution = 1.0f;
-    Respond();
-    // j = 1.5 * 1 / (1/2 + 1) = 1.
-    EXPECT_EQ(BodyOf(a).velocity, (Vec2{0.5f, 0.0f}));
-    EXPECT_EQ(BodyOf(b).velocity, (Vec2{1.0f, 0.0f}));
-}
-
-TEST_F(Response, BiasStartsBeyondTheSlop)
-{
-    // Resting bodies: the impulse is the bias alone, (overlap - 0.01) * 0.5 over the inverse masses.
-    const GameObjectHandle shallowA = Ball(Vec2{0.0f, 0.0f}, Vec2{});
-    const GameObjectHandle shallowB = Ball(Vec2{0.995f, 0.0f}, Vec2{});
-    const GameObjectHandle deepA = Ball(Vec2{0.0f, 10.0f}, Vec2{});
-    const GameObjectHandle deepB = Ball(Vec2{0.0f, 10.0f - 0.99f}, Vec2{}, 1.0f, 1.5f);
-    Respond();
-    EXPECT_EQ(BodyOf(shallowA).velocity, Vec2{});
-    EXPECT_EQ(BodyOf(shallowB).velocity, Vec2{});
-    // Overlap 1.01: bias 0.5, halved by two unit masses, pushing deepA up and deepB down.
-    EXPECT_FLOAT_EQ(BodyOf(deepA).velocity.y, 0.25f);
-    EXPECT_FLOAT_EQ(BodyOf(deepB).velocity.y, -0.25f);
-}
-
-TEST_F(Response, MasslessBodiesActAsWallsAndOppositeMassesCancel)
-{
-    const GameObjectHandle ball = Ball(Vec2{0.0f, 0.0f}, Vec2{1.0f, 0.0f});
-    const GameObjectHandle wall = Ball(Vec2{1.0f, 0.0f}, Vec2{5.0f, 5.0f}, 0.0f);
-    const GameObjectHandle nanBall = Ball(Vec2{0.0f, 10.0f}, Vec2{1.0f, 0.0f});
-    Ball(Vec2{1.0f, 10.0f}, Vec2{-3.0f, 0.0f}, std::numeric_limits<float>::quiet_NaN());
-    const GameObjectHandle positive = Ball(Vec2{0.0f, 20.0f}, Vec2{1.0f, 0.0f}, 1.0f);
-    const GameObjectHandle negative = Ball(Vec2{1.0f, 20.0f}, Vec2{-1.0f, 0.0f}, -1.0f);
-    const GameObjectHandle lonely = Ball(Vec2{0.0f, 30.0f}, Vec2{1.0f, 0.0f}, 0.0f);
-    Post(Vec2{1.0f, 30.0f});
-
-    Respond();
-    EXPECT_EQ(BodyOf(ball).velocity, (Vec2{-1.0f, 0.0f})) << "a massless body stands still and can't move";
-    EXPECT_EQ(BodyOf(wall).velocity, (Vec2{5.0f, 5.0f}));
-    EXPECT_EQ(BodyOf(nanBall).velocity, (Vec2{-1.0f, 0.0f}));
-    EXPECT_EQ(BodyOf(positive).velocity, (Vec2{1.0f, 0.0f})) << "inverse masses sum to 0: no impulse";
-    EXPECT_EQ(BodyOf(negative).velocity, (Vec2{-1.0f, 0.0f}));
-    EXPECT_EQ(BodyOf(lonely).velocity, (Vec2{1.0f, 0.0f})) << "no body on either side";
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    struct Row
+    {
+        const char* name;
+        float x, radiusB, massA, massB, restitutionA;
+        Vec2 velocityA, velocityB, expectedA, expectedB;
+        bool bodyB = true;
+        bool settles = true;
+    };
+    // Head on: j = 2 * 2 + (0.1 - 0.01) * 0.5 = 4.045, shared by two unit masses. Touching with masses 2
+    // and 1: j = 1.5 * 1 / (1/2 + 1) = 1. Resting and 1.01 deep: bias 0.5, halved by two unit masses.
+    const Row rows[] = {
+        {"head on", 0.9f, 0.5f, 1, 1, 1, {1, 0}, {-1, 0}, {1.0f - 2.0225f, 0}, {-1.0f + 2.0225f, 0}},
+        {"smaller restitution", 1.0f, 0.5f, 2, 1, 0.5f, {1, 0}, {}, {0.5f, 0}, {1, 0}},
+        {"within the slop", 0.995f, 0.5f, 1, 1, 1, {}, {}, {}, {}},
+        {"beyond the slop", 0.99f, 1.5f, 1, 1, 1, {}, {}, {-0.25f, 0}, {0.25f, 0}, true, false},
+        {"massless wall", 1.0f, 0.5f, 1, 0, 1, {1, 0}, {5, 5}, {-1, 0}, {5, 5}},
+        {"NaN mass wall", 1.0f, 0.5f, 1, nan, 1, {1, 0}, {-3, 0}, {-1, 0}, {-3, 0}},
+        {"opposite masses", 1.0f, 0.5f, 1, -1, 1, {1, 0}, {-1, 0}, {1, 0}, {-1, 0}},
+        {"no body on either side", 1.0f, 0.5f, 0, 1, 1, {1, 0}, {}, {1, 0}, {}, false},
+        {"coincident centres", 0.0f, 0.5f, 1, 1, 1, {1, 2}, {-1, 0}, {1, 2}, {-1, 0}},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.name);
+        Space& pair = space.CreateChild();
+        const GameObjectHandle a = Ball(pair, Vec2{}, row.velocityA, row.massA);
+        ColliderOf(a).restitution = row.restitutionA;
+        const GameObjectHandle b = row.bodyB
+                                       ? Ball(pair, Vec2{row.x, 0}, row.velocityB, row.massB, row.radiusB)
+                                       : Post(pair, Vec2{row.x, 0.0f});
+        physics.Step(pair, 0.0f);
+        EXPECT_FLOAT_EQ(BodyOf(a).velocity.x, row.expectedA.x);
+        EXPECT_FLOAT_EQ(BodyOf(a).velocity.y, row.expectedA.y);
+        EXPECT_EQ(TransformOf(a).position, Vec2{}) << "the response never moves anything";
+        if (row.bodyB)
+        {
+            EXPECT_FLOAT_EQ(BodyOf(b).velocity.x, row.expectedB.x);
+            EXPECT_FLOAT_EQ(BodyOf(b).velocity.y, row.expectedB.y);
+        }
+        if (row.settles)
+        {
+            const Vec2 after = BodyOf(a).velocity;
+            physics.Step(pair, 0.0f);
+            EXPECT_EQ(BodyOf(a).velocity, after) << "separating or balanced: no second impulse";
+        }
+    }
     EXPECT_EQ(listener.heard.size(), 0u) << "no collider has handlers";
-}
-
-TEST_F(Response, CoincidentCentresGiveAZeroNormalAndNoImpulse)
-{
-    const GameObjectHandle first = Ball(Vec2{0.0f, 0.0f}, Vec2{1.0f, 2.0f}, 1.0f, 0.75f);
-    const GameObjectHandle second = Ball(Vec2{0.0f, 0.0f}, Vec2{-1.0f, 0.0f});
-    const std::vector<Physics::Contact> contacts = AllPairContacts(space);
-    ASSERT_EQ(contacts.size(), 1u);
-    EXPECT_EQ(contacts[0].penetration, 0.75f) << "the first radius";
-    EXPECT_EQ(contacts[0].point, Vec2{});
-    Respond();
-    EXPECT_EQ(BodyOf(first).velocity, (Vec2{1.0f, 2.0f})) << "normal (0, 0): a zero impulse";
-    EXPECT_EQ(BodyOf(second).velocity, (Vec2{-1.0f, 0.0f}));
 }
 
 TEST_F(Response, TouchingCirclesMeetWhileAabbsAndSharedGroupsNever)
 {
-    const GameObjectHandle left = Post(Vec2{0.0f, 0.0f});
-    const GameObjectHandle right = Post(Vec2{3.0f, 4.0f}, 4.5f);
-    const GameObjectHandle box = Post(Vec2{0.5f, 0.0f});
-    ColliderOf(box).type = Components::ColliderType::AABB;
+    const GameObjectHandle left = Post(space, Vec2{0.0f, 0.0f});
+    const GameObjectHandle right = Post(space, Vec2{3.0f, 4.0f}, 4.5f);
+    ColliderOf(Post(space, Vec2{0.5f, 0.0f})).type = Components::ColliderType::AABB;
     ASSERT_EQ(AllPairContacts(space).size(), 1u);
     EXPECT_EQ(AllPairContacts(space)[0].penetration, 0.0f) << "distance 5, radii 0.5 + 4.5";
     EXPECT_EQ(AllPairContacts(space)[0].point, (Vec2{0.3f, 0.4f}));
@@ -166,17 +138,25 @@ TEST_F(Response, TouchingCirclesMeetWhileAabbsAndSharedGroupsNever)
     ColliderOf(left).collisionGroup = 0;
     ColliderOf(right).collisionGroup = 0;
     EXPECT_EQ(AllPairContacts(space).size(), 1u) << "group 0 is no group";
+
+    Space& coincident = space.CreateChild();
+    Post(coincident, Vec2{}, 0.75f);
+    Post(coincident, Vec2{});
+    const std::vector<Physics::Contact> contacts = AllPairContacts(coincident);
+    ASSERT_EQ(contacts.size(), 1u);
+    EXPECT_EQ(contacts[0].penetration, 0.75f) << "coincident centres: the first radius, normal (0, 0)";
+    EXPECT_EQ(contacts[0].point, Vec2{});
 }
 
 // Handlers hear every contact in list order, first side then second, with the same point, before its
 // impulse; ghosts and bodiless pairs are heard but never pushed.
 TEST_F(Response, EveryContactIsReportedToBothSidesInListOrderBeforeItsImpulse)
 {
-    const GameObjectHandle a = Ball(Vec2{0.0f, 0.0f}, Vec2{1.0f, 0.0f});
-    const GameObjectHandle b = Ball(Vec2{0.8f, 0.0f}, Vec2{});
-    const GameObjectHandle c = Ball(Vec2{0.0f, 0.8f}, Vec2{});
-    const GameObjectHandle ghost = Post(Vec2{20.0f, 0.0f});
-    const GameObjectHandle ghostBall = Ball(Vec2{20.5f, 0.0f}, Vec2{-1.0f, 0.0f});
+    const GameObjectHandle a = Ball(space, Vec2{0.0f, 0.0f}, Vec2{1.0f, 0.0f});
+    const GameObjectHandle b = Ball(space, Vec2{0.8f, 0.0f}, Vec2{});
+    const GameObjectHandle c = Ball(space, Vec2{0.0f, 0.8f}, Vec2{});
+    const GameObjectHandle ghost = Post(space, Vec2{20.0f, 0.0f});
+    const GameObjectHandle ghostBall = Ball(space, Vec2{20.5f, 0.0f}, Vec2{-1.0f, 0.0f});
     ColliderOf(a).collisionEvents = 1;
     ColliderOf(b).collisionEvents = 2;
     ColliderOf(ghost).collisionEvents = 4;
@@ -185,7 +165,7 @@ TEST_F(Response, EveryContactIsReportedToBothSidesInListOrderBeforeItsImpulse)
 
     std::vector<Vec2> velocityOfAWhenHeard;
     listener.onCollision = [&] { velocityOfAWhenHeard.push_back(BodyOf(a).velocity); };
-    Respond();
+    physics.Step(space, 0.0f);
 
     // Contacts (a, b), (a, c), (ghost, ghostBall); c has no handlers.
     const std::vector<std::pair<GameObjectHandle, GameObjectHandle>> expected = {
@@ -216,12 +196,12 @@ TEST_F(Response, EveryContactIsReportedToBothSidesInListOrderBeforeItsImpulse)
 // handler of the same contact still takes its impulse.
 TEST_F(Response, HandlersThatAddOrRemoveComponentsLeaveTheStepSound)
 {
-    const GameObjectHandle a = Ball(Vec2{0.0f, 0.0f}, Vec2{1.0f, 0.0f});
-    const GameObjectHandle b = Ball(Vec2{0.9f, 0.0f}, Vec2{-1.0f, 0.0f});
-    const GameObjectHandle c = Ball(Vec2{10.0f, 0.0f}, Vec2{1.0f, 0.0f});
-    const GameObjectHandle d = Ball(Vec2{11.0f, 0.0f}, Vec2{});
-    const GameObjectHandle e = Ball(Vec2{20.0f, 0.0f}, Vec2{1.0f, 0.0f});
-    const GameObjectHandle f = Ball(Vec2{21.0f, 0.0f}, Vec2{});
+    const GameObjectHandle a = Ball(space, Vec2{0.0f, 0.0f}, Vec2{1.0f, 0.0f});
+    const GameObjectHandle b = Ball(space, Vec2{0.9f, 0.0f}, Vec2{-1.0f, 0.0f});
+    const GameObjectHandle c = Ball(space, Vec2{10.0f, 0.0f}, Vec2{1.0f, 0.0f});
+    const GameObjectHandle d = Ball(space, Vec2{11.0f, 0.0f}, Vec2{});
+    const GameObjectHandle e = Ball(space, Vec2{20.0f, 0.0f}, Vec2{1.0f, 0.0f});
+    const GameObjectHandle f = Ball(space, Vec2{21.0f, 0.0f}, Vec2{});
     const Handle bodyOfF = f.Get().GetComponent(Components::RigidBody);
     d.Get().RemoveComponent(Components::RigidBody);
     ColliderOf(a).collisionEvents = 1;
@@ -232,7 +212,7 @@ TEST_F(Response, HandlersThatAddOrRemoveComponentsLeaveTheStepSound)
         {
             for (int index = 0; index < 500; ++index)
             {
-                Ball(Vec2{100.0f, 100.0f}, Vec2{}).Get().AddComponent(Components::Script);
+                Ball(space, Vec2{100.0f, 100.0f}, Vec2{}).Get().AddComponent(Components::Script);
             }
             ColliderOf(b).collisionEvents = 2;
         }
@@ -241,7 +221,7 @@ TEST_F(Response, HandlersThatAddOrRemoveComponentsLeaveTheStepSound)
             f.Get().RemoveComponent(Components::RigidBody);
         }
     };
-    Respond();
+    physics.Step(space, 0.0f);
 
     ASSERT_EQ(listener.heard.size(), 3u) << "b's handlers connected during a's report are heard";
     EXPECT_EQ(listener.heard[1].own.handle, b.handle);
