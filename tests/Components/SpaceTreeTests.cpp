@@ -1,6 +1,5 @@
 #include "Components/Space.h"
 #include "Core/Game.h"
-#include "Support/LogCapture.h"
 
 #include <gtest/gtest.h>
 
@@ -44,15 +43,6 @@ protected:
     }
 };
 
-TEST_F(SpaceTree, NewChildrenGoToTheFrontAndKnowTheirParent)
-{
-    Space& a = Child(root, "a");
-    Child(root, "b");
-    EXPECT_EQ(ChildNames(root), (std::vector<std::string>{"b", "a"}));
-    EXPECT_EQ(a.parent, &root);
-    EXPECT_EQ(root.parent, nullptr);
-}
-
 TEST_F(SpaceTree, SortedSpacesArePostOrderThenStableByPriorityDescending)
 {
     root.levelName = "root";
@@ -69,29 +59,10 @@ TEST_F(SpaceTree, SortedSpacesArePostOrderThenStableByPriorityDescending)
               (std::vector<std::string>{"high", "one", "b", "a2", "a1", "a", "root", "low"}));
 }
 
-TEST_F(SpaceTree, ScheduledLevelsAreFoundAtAnyDepthAndReloadKeepsEachName)
-{
-    Space& a = Child(root, "a");
-    Space& deep = Child(a, "deep");
-    EXPECT_FALSE(root.IsLevelScheduled());
-    deep.ScheduleLevel("Levels/Deep.lvl");
-    EXPECT_TRUE(root.IsLevelScheduled());
-    EXPECT_EQ(deep.levelName, "Levels/Deep.lvl");
-
-    game.lua.Initialise(nullptr);
-    root.LoadScheduledLevels(game);
-    EXPECT_FALSE(root.IsLevelScheduled());
-    game.lua.Shutdown();
-
-    a.ScheduleReload();
-    EXPECT_TRUE(a.levelScheduled && deep.levelScheduled);
-    EXPECT_FALSE(root.levelScheduled);
-    EXPECT_EQ(a.levelName, "a");
-}
-
 TEST_F(SpaceTree, DestroyFlaggedTakesFlaggedSpacesWithEverythingBelow)
 {
     Space& a = Child(root, "a");
+    EXPECT_EQ(a.parent, &root);
     Child(a, "a1");
     Space& b = Child(root, "b");
     Space& b1 = Child(b, "b1");
@@ -109,17 +80,6 @@ TEST_F(SpaceTree, DestroyFlaggedTakesFlaggedSpacesWithEverythingBelow)
     a.destroyRequested = true; // unflagged children go with their parent
     root.DestroyFlagged(game);
     EXPECT_EQ(ChildNames(root), std::vector<std::string>{"b"});
-}
-
-TEST_F(SpaceTree, DestroyingTheRootTakesAllChildrenAndSaysSo)
-{
-    Child(Child(root, "a"), "a1");
-    Child(root, "b");
-    LogCapture capture;
-    root.Destroy(game);
-    EXPECT_EQ(root.firstChild, nullptr);
-    EXPECT_EQ(capture.Messages("Space", LogLevel::Debug), std::vector<std::string>{"Deleting top space"});
-    EXPECT_EQ(capture.Entries().size(), 1u);
 }
 
 TEST_F(SpaceTree, ManySiblingsAndADeepChainAreFreedWithoutTrouble)

@@ -56,7 +56,9 @@ void ExpectNear(Vec2 actual, Vec2 expected, float tolerance = 1e-4f)
     EXPECT_NEAR(actual.y, expected.y, tolerance);
 }
 
-TEST_F(Transforms, WorldValuesTurnByTheParentAndAddOnlyOneLevelOfRotation)
+// World values turn by the parent's rotation without its scale; a written world rotation reads back off by
+// the grandparent's own rotation; a world position written at depth eight reads back.
+TEST_F(Transforms, WorldValuesTurnByTheParentAndRoundTripAtDepth)
 {
     const float quarter = static_cast<float>(M_PI / 2);
     const GameObjectHandle grandparent = NewObject({10, 0}, quarter);
@@ -65,36 +67,31 @@ TEST_F(Transforms, WorldValuesTurnByTheParentAndAddOnlyOneLevelOfRotation)
     Of(grandparent).scale = {5, 5};
     Of(parent).SetParent(HandleOf(grandparent), true);
     Of(child).SetParent(HandleOf(parent), true);
-
     ExpectNear(Of(parent).GetWorldPosition(), {10, 1});
-    // The parent's world rotation is half a turn, so the child's offset (2, 0) points to -x; no scale.
     ExpectNear(Of(child).GetWorldPosition(), {8, 1});
     EXPECT_FLOAT_EQ(Of(child).GetWorldRotation(), 0.25f + quarter);
-
-    // Written world rotation reads back off by the grandparent's own rotation.
     Of(child).SetWorldRotation(1.0f);
     EXPECT_FLOAT_EQ(Of(child).rotation, 1.0f - 2 * quarter);
     EXPECT_FLOAT_EQ(Of(child).GetWorldRotation(), 1.0f - quarter);
-}
 
-TEST_F(Transforms, WorldPositionRoundTripsAtDepthEight)
-{
-    std::vector<GameObjectHandle> chain = {NewObject({3, -2}, 0.3f)};
-    for (int depth = 1; depth < 8; ++depth)
+    GameObjectHandle deepest = child;
+    for (int depth = 3; depth < 8; ++depth)
     {
-        chain.push_back(
-            NewObject({1.5f, 0.5f * static_cast<float>(depth)}, 0.2f * static_cast<float>(depth)));
-        Of(chain.back()).SetParent(HandleOf(chain[chain.size() - 2]), true);
+        const GameObjectHandle next =
+            NewObject({1.5f, 0.5f * static_cast<float>(depth)}, 0.2f * static_cast<float>(depth));
+        Of(next).SetParent(HandleOf(deepest), true);
+        deepest = next;
     }
-    TransformComponent& deepest = Of(chain.back());
     for (const Vec2 target : {Vec2{0, 0}, Vec2{100, -40}, Vec2{-3.25f, 7.5f}})
     {
-        deepest.SetWorldPosition(target);
-        ExpectNear(deepest.GetWorldPosition(), target, 1e-3f);
+        Of(deepest).SetWorldPosition(target);
+        ExpectNear(Of(deepest).GetWorldPosition(), target, 1e-3f);
     }
 }
 
-TEST_F(Transforms, ReparentingKeepsTheWorldPlaceUnlessToldToKeepLocalValues)
+// Reparenting keeps the world place unless told to keep local values; child lists take newcomers at the
+// front and lose leavers anywhere, also when the component is removed.
+TEST_F(Transforms, ReparentingKeepsTheWorldPlaceAndChildListsStayLinked)
 {
     const GameObjectHandle first = NewObject({5, 5}, 0.5f);
     const GameObjectHandle second = NewObject({-4, 2}, -1.0f);
@@ -102,35 +99,24 @@ TEST_F(Transforms, ReparentingKeepsTheWorldPlaceUnlessToldToKeepLocalValues)
     Of(mover).SetParent(HandleOf(first), false);
     ExpectNear(Of(mover).GetWorldPosition(), {1, 2});
     EXPECT_NEAR(Of(mover).GetWorldRotation(), 0.1f, 1e-5f);
-
     Of(mover).SetParent(HandleOf(second), false);
     ExpectNear(Of(mover).GetWorldPosition(), {1, 2});
     EXPECT_TRUE(Children(first).empty());
-    EXPECT_EQ(Children(second), std::vector<Handle>{HandleOf(mover)});
 
-    const Vec2 local = Of(mover).position;
-    Of(mover).ClearParent(true);
-    EXPECT_EQ(Of(mover).position, local);
-    EXPECT_TRUE(Of(mover).parent.IsNull());
-    EXPECT_TRUE(Children(second).empty());
-}
-
-TEST_F(Transforms, ChildListsTakeNewcomersAtTheFrontAndLoseLeaversAnywhere)
-{
-    const GameObjectHandle parent = NewObject();
-    std::vector<GameObjectHandle> kids;
-    for (int index = 0; index < 4; ++index)
+    std::vector<GameObjectHandle> kids = {mover};
+    for (int index = 0; index < 3; ++index)
     {
         kids.push_back(NewObject());
-        Of(kids.back()).SetParent(HandleOf(parent), true);
+        Of(kids.back()).SetParent(HandleOf(second), true);
     }
-    EXPECT_EQ(Children(parent), (std::vector<Handle>{HandleOf(kids[3]), HandleOf(kids[2]), HandleOf(kids[1]),
-                                                     HandleOf(kids[0])}));
+    EXPECT_EQ(Children(second), (std::vector<Handle>{HandleOf(kids[3]), HandleOf(kids[2]), HandleOf(kids[1]),
+                                                     HandleOf(mover)}));
+    const Vec2 local = Of(kids[2]).position;
     Of(kids[2]).ClearParent(true);
-    // Removing the component unlinks it as well, before the object forgets the handle.
-    kids[0].Get().RemoveComponent(Components::Transform);
-    EXPECT_EQ(Children(parent), (std::vector<Handle>{HandleOf(kids[3]), HandleOf(kids[1])}));
-    EXPECT_TRUE(Of(kids[2]).nextSibling.IsNull());
+    EXPECT_EQ(Of(kids[2]).position, local);
+    EXPECT_TRUE(Of(kids[2]).parent.IsNull() && Of(kids[2]).nextSibling.IsNull());
+    mover.Get().RemoveComponent(Components::Transform);
+    EXPECT_EQ(Children(second), (std::vector<Handle>{HandleOf(kids[3]), HandleOf(kids[1])}));
 }
 
 TEST_F(Transforms, BrokenTreesAndBadParentsRaise)
