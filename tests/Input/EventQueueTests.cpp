@@ -23,66 +23,43 @@ std::string Contents(const EventQueue& queue)
     return Describe(events);
 }
 
-TEST(EventQueue, EventsLeaveInTheOrderTheyCame)
-{
-    EventQueue queue;
-    InputEvent event;
-    EXPECT_FALSE(queue.Pop(event));
-    queue.Push(MakeEvent(EventKind::KeyDown, 65));
-    queue.Push(MakeSwitch(EventKind::Activate, false));
-    queue.Push(MakeEvent(EventKind::MouseDown, 1, 2, 3));
-    EXPECT_EQ(queue.Size(), 3U);
-    ASSERT_TRUE(queue.Pop(event));
-    EXPECT_EQ(Describe(event), "KeyDown 65,0,0");
-    EXPECT_EQ(Contents(queue), "Activate false | MouseDown 1,2,3");
-    queue.Clear();
-    EXPECT_EQ(queue.Size(), 0U);
-    EXPECT_FALSE(queue.Pop(event));
-}
-
-TEST(EventQueue, TakingOverBySwapKeepsEveryEventAndItsPath)
+// Order through Pop, Swap (with itself too), copies and Assign; a copy that freed the paths it shares
+// would make the owner's later read and Drain a use after free.
+TEST(EventQueue, EventsKeepTheirOrderAndOnlyTheOwnerFreesTheirPaths)
 {
     EventQueue incoming;
     EventQueue frameEvents;
+    InputEvent event;
+    EXPECT_FALSE(incoming.Pop(event));
     incoming.Push(MakeEvent(EventKind::KeyDown, 65));
     incoming.Push(MakeDrop("Levels/A.lvl"));
+    incoming.Push(MakeEvent(EventKind::MouseDown, 1, 2, 3));
     frameEvents.Push(MakeEvent(EventKind::Close));
-
     frameEvents.Clear();
     frameEvents.Swap(incoming);
-    EXPECT_EQ(incoming.Size(), 0U);
-    EXPECT_EQ(Contents(frameEvents), "KeyDown 65,0,0 | FileDropped Levels/A.lvl");
-
     frameEvents.Swap(frameEvents);
-    EXPECT_EQ(Contents(frameEvents), "KeyDown 65,0,0 | FileDropped Levels/A.lvl");
-    frameEvents.Drain();
-    EXPECT_EQ(frameEvents.Size(), 0U);
-}
-
-TEST(EventQueue, CopiesOnlyLookAtThePathsTheOriginalOwns)
-{
-    EventQueue owner;
-    owner.Push(MakeDrop("Levels/B.lvl"));
-    owner.Push(MakeEvent(EventKind::MouseMove, 4, 5));
+    EXPECT_EQ(incoming.Size(), 0U);
+    ASSERT_TRUE(frameEvents.Pop(event));
+    EXPECT_EQ(Describe(event), "KeyDown 65,0,0");
+    const std::string rest = "FileDropped Levels/A.lvl | MouseDown 1,2,3";
     {
-        EventQueue copy(owner);
+        EventQueue copy(frameEvents);
         EventQueue assigned;
-        assigned = owner;
+        assigned = frameEvents;
         assigned = assigned;
-        EXPECT_EQ(Contents(copy), "FileDropped Levels/B.lvl | MouseMove 4,5,0");
-        EXPECT_EQ(Contents(assigned), "FileDropped Levels/B.lvl | MouseMove 4,5,0");
+        EXPECT_EQ(Contents(copy), rest);
+        EXPECT_EQ(Contents(assigned), rest);
         copy.Clear();
     }
-    // The copies are gone and freed nothing: the owner's path is still there to read and to free.
-    EXPECT_EQ(Contents(owner), "FileDropped Levels/B.lvl | MouseMove 4,5,0");
-
-    EventQueue replaced;
+    EXPECT_EQ(Contents(frameEvents), rest);
     std::vector<InputEvent> replacement;
-    owner.CopyTo(replacement);
-    replaced.Push(MakeEvent(EventKind::Quit));
-    replaced.Assign(replacement);
-    EXPECT_EQ(Contents(replaced), "FileDropped Levels/B.lvl | MouseMove 4,5,0");
-    owner.Drain();
+    frameEvents.CopyTo(replacement);
+    incoming.Push(MakeEvent(EventKind::Quit));
+    incoming.Assign(replacement);
+    EXPECT_EQ(Contents(incoming), rest);
+    frameEvents.Drain();
+    EXPECT_EQ(frameEvents.Size(), 0U);
+    EXPECT_FALSE(frameEvents.Pop(event));
 }
 
 TEST(EventQueue, DrainFreesOnlyThePathsOfDrops)
