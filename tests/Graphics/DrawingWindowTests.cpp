@@ -140,10 +140,17 @@ TEST_F(Drawing, ReleasingTexturesDropsOnlyThoseNothingElseHolds)
     EXPECT_EQ(graphics.ReleaseUnusedTextures(), 0u);
     ASSERT_EQ(graphics.textures.size(), 3u) << "the font stands twice and can't go";
     EXPECT_NE(kept->texture, 0u);
-    EXPECT_EQ(capture.Count(LogLevel::Error), 0u) << "a bitmap died with its texture on the card";
+    {
+        Graphics::Bitmap onCard(1, 1, pixels(), "card.png");
+        onCard.texture = 7;
+    }
+    EXPECT_EQ(capture.Messages("Graphics", LogLevel::Error),
+              std::vector<std::string>{"Bitmap texture handle leaked!"})
+        << "only a bitmap that dies with its texture on the card is reported";
 }
 
-TEST_F(Drawing, ArrowHeadsScaleWithShortArrowsOnly)
+// Arrow heads scale with short arrows only; profile bars stand in rows and go red with their share.
+TEST_F(Drawing, ArrowHeadsAndProfileBars)
 {
     const Colour black{0.0f, 0.0f, 0.0f, 1.0f};
     graphics.AddDebugArrow(Vec2{0.0f, 0.0f}, Vec2{0.5f, 0.0f}, black);
@@ -156,10 +163,7 @@ TEST_F(Drawing, ArrowHeadsScaleWithShortArrowsOnly)
     EXPECT_EQ(lines[4].end, (Vec2{0.25f, 2.75f}));
     EXPECT_EQ(lines[5].end, (Vec2{-0.25f, 2.75f}));
     EXPECT_TRUE(std::isnan(lines[7].end.x)) << "a zero-length arrow has no usable head, and nothing fails";
-}
 
-TEST_F(Drawing, ProfileBarsStandInRowsAndGoRedWithTheirShare)
-{
     CopyDrawingData(data.Path());
     Start();
     // Root (100) holds A (75) and B (25); A holds C (50), which stands in the row above A.

@@ -55,18 +55,18 @@ TEST_F(GLContext, ErrorChecksReportOnePendingErrorByNameAndPlace)
 
 TEST(GLErrorString, NamesTheKnownCodesAndNoOthers)
 {
-    EXPECT_STREQ(Graphics::GLErrorString(0), "No error");
-    EXPECT_STREQ(Graphics::GLErrorString(1280), "Invalid Enum");
-    EXPECT_STREQ(Graphics::GLErrorString(1281), "Invalid Value");
-    EXPECT_STREQ(Graphics::GLErrorString(1282), "Invalid Operation");
-    EXPECT_STREQ(Graphics::GLErrorString(1283), "Stack Overflow");
-    EXPECT_STREQ(Graphics::GLErrorString(1284), "Stack Underflow");
-    EXPECT_STREQ(Graphics::GLErrorString(1285), "Out of Memory");
-    EXPECT_STREQ(Graphics::GLErrorString(1286), "Unknown Error");
-    EXPECT_STREQ(Graphics::GLErrorString(32817), "Table Too Large");
+    const std::pair<uint32_t, const char*> names[] = {{0, "No error"},           {1280, "Invalid Enum"},
+                                                      {1281, "Invalid Value"},   {1282, "Invalid Operation"},
+                                                      {1283, "Stack Overflow"},  {1284, "Stack Underflow"},
+                                                      {1285, "Out of Memory"},   {1286, "Unknown Error"},
+                                                      {32817, "Table Too Large"}};
+    for (const auto& [code, name] : names)
+    {
+        EXPECT_STREQ(Graphics::GLErrorString(code), name) << code;
+    }
 }
 
-TEST_F(GLContext, AClearedFrameHoldsTheClearColourBeforeItIsPresented)
+TEST_F(GLContext, AClearedFrameHoldsTheClearColourAndResizeSetsViewportAspectAndProjection)
 {
     graphics.Resize(800, 600);
     glClearColor(0.25f, 0.5f, 0.75f, 1.0f);
@@ -79,11 +79,7 @@ TEST_F(GLContext, AClearedFrameHoldsTheClearColourBeforeItIsPresented)
     LogCapture capture;
     Graphics::PresentFrame(graphics);
     EXPECT_EQ(capture.Count(LogLevel::Error), 0u);
-}
 
-TEST_F(GLContext, ResizeSetsViewportAspectAndProjection)
-{
-    graphics.Resize(800, 600);
     std::array<GLint, 4> viewport{};
     glGetIntegerv(GL_VIEWPORT, viewport.data());
     EXPECT_EQ(viewport, (std::array<GLint, 4>{0, 0, 800, 600}));
@@ -120,17 +116,15 @@ TEST_F(GLContext, DestroyingTwiceIsHarmlessAndAPresentWithoutContextIsFatal)
                 "Failed to swap Buffers: Device context has not been created yet!");
 }
 
-TEST(GLContextCreation, WithoutAWindowItFailsWithAnError)
+TEST(GLContextCreation, GraphicsAndInputRefuseAMissingOrMovedFromWindow)
 {
-    Graphics::GraphicsSystem graphics;
-    LogCapture capture;
-    EXPECT_FALSE(graphics.Initialise(nullptr));
-    EXPECT_EQ(capture.Messages("Graphics", LogLevel::Error),
-              std::vector<std::string>{"Failed to Initialize: No Window passed"});
-}
-
-TEST(GLContextCreation, InputRefusesAMissingWindow)
-{
+    {
+        Graphics::GraphicsSystem graphics;
+        const LogCapture capture;
+        EXPECT_FALSE(graphics.Initialise(nullptr));
+        EXPECT_EQ(capture.Messages("Graphics", LogLevel::Error),
+                  std::vector<std::string>{"Failed to Initialize: No Window passed"});
+    }
     Input::InputSystem input;
     ExpectRaise([&] { input.Initialise(nullptr); }, "InputSystem",
                 "Tried to intiailise input with a NULL window");

@@ -1,6 +1,5 @@
 // Particles in a game that draws: the script surface with its exact errors and limits, the frame's
-// ageing, gathering and removal, the texture an untextured system leaves bound, and the particle program
-// built once, or tried again for each new system while its shaders are broken.
+// ageing, gathering and removal, and the particle program and texture on the card.
 
 #include "Components/Space.h"
 #include "Graphics/Bitmap.h"
@@ -135,22 +134,20 @@ TEST_F(ParticleScripts, BurstsAgeWithUnpausedSpacesAndGoAfterTheirLastDraw)
         << "but still draws them";
 }
 
-TEST_F(ParticleScripts, AnUntexturedSystemDrawsWithTheTextureBoundBefore)
+// An untextured system draws with the texture bound before; the particle program is built once, or tried
+// again for each new system while its shaders are broken.
+TEST_F(ParticleScripts, TheProgramIsBuiltOnceAndAnUntexturedSystemKeepsTheBoundTexture)
 {
-    Graphics::Particles::ParticleSystem untextured(1, 0.0f, Graphics::Particles::PoolMemory::Heap);
+    using Graphics::Particles::ParticleSystem;
+    using Graphics::Particles::PoolMemory;
+    ParticleSystem untextured(1, 0.0f, PoolMemory::Heap);
     GLint bound = 0;
     game.graphics.UploadTexture(game.graphics.font);
     untextured.Draw(game.graphics);
     glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
     EXPECT_EQ(static_cast<uint32_t>(bound), game.graphics.font->texture);
-}
 
-TEST_F(ParticleScripts, TheProgramIsBuiltOnceOrTriedAgainWhileItsShadersAreBroken)
-{
-    using Graphics::Particles::ParticleSystem;
-    using Graphics::Particles::PoolMemory;
-    // The first system builds the program and leaves it current; the second leaves GL's program alone.
-    const ParticleSystem first(1, 0.0f, PoolMemory::Heap);
+    // The first system built the program; the second leaves GL's program alone.
     glUseProgram(0);
     const ParticleSystem second(1, 0.0f, PoolMemory::Heap);
     GLint current = -1;
