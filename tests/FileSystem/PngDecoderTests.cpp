@@ -1,10 +1,9 @@
 #include "Debug/Exception.h"
-#include "FileSystem/FileSerializerBinary.h"
 #include "FileSystem/PngDecoder.h"
 #include "Graphics/Bitmap.h"
+#include "Support/FuzzBitmap.h"
 #include "Support/ImageWriters.h"
 #include "Support/LogCapture.h"
-#include "Support/MemoryFile.h"
 
 #include <gtest/gtest.h>
 #include <random>
@@ -14,35 +13,7 @@ namespace
 
 std::shared_ptr<Graphics::Bitmap> Decode(const Bytes& file)
 {
-    const MemoryFile bytes(file);
-    FileSystem::FileSerializerBinary serializer(bytes.Open());
-    return FileSystem::DecodePng(serializer, "test.png");
-}
-
-Bytes PixelsOf(const Graphics::Bitmap& bitmap)
-{
-    return Bytes(bitmap.pixels.get(), bitmap.pixels.get() + size_t{bitmap.width} * bitmap.height * 4);
-}
-
-Bytes RandomPixels(size_t count, uint32_t seed)
-{
-    std::mt19937 random(seed);
-    Bytes pixels(count);
-    for (uint8_t& byte : pixels)
-    {
-        byte = static_cast<uint8_t>(random());
-    }
-    return pixels;
-}
-
-Bytes WithAlpha(const Bytes& rgb)
-{
-    Bytes rgba;
-    for (size_t index = 0; index < rgb.size(); index += 3)
-    {
-        rgba.insert(rgba.end(), {rgb[index], rgb[index + 1], rgb[index + 2], 255});
-    }
-    return rgba;
+    return DecodeBytes(file, FileSystem::DecodePng);
 }
 
 // A 2 × 2 truecolour image whose chunks a test arranges; IHDR first unless the test says otherwise.
@@ -65,7 +36,9 @@ TEST(PngDecoder, EveryFilterOnBothColourTypesGivesBackThePixels)
     for (const uint8_t colourType : {uint8_t{2}, uint8_t{6}})
     {
         const uint32_t bytesPerPixel = colourType == 2 ? 3 : 4;
-        const Bytes pixels = RandomPixels(size_t{13} * 11 * bytesPerPixel, colourType);
+        std::mt19937 random(colourType);
+        Bytes pixels(size_t{13} * 11 * bytesPerPixel);
+        std::generate(pixels.begin(), pixels.end(), [&] { return static_cast<uint8_t>(random()); });
         for (const std::vector<uint8_t>& filters :
              {std::vector<uint8_t>{0}, {1}, {2}, {3}, {4}, {4, 3, 2, 1, 0}, {2, 3, 4}})
         {
@@ -74,55 +47,46 @@ TEST(PngDecoder, EveryFilterOnBothColourTypesGivesBackThePixels)
             ASSERT_TRUE(bitmap);
             EXPECT_EQ(bitmap->width, 13u);
             EXPECT_EQ(bitmap->height, 11u);
-            EXPECT_EQ(PixelsOf(*bitmap), colourType == 2 ? WithAlpha(pixels) : pixels)
+            EXPECT_EQ(PixelsOf(*bitmap), colourType == 2 ? WithOpaqueAlpha(pixels) : pixels)
                 << int{colourType} << " filter " << int{filters[0]};
         }
     }
     EXPECT_TRUE(log.Entries().empty());
 }
 
-TEST(PngDecoder, BadCrcsAndUnknownChunksStillLoad)
+TEST(PngDecoder, BadCrcsUnknownChunksSplitDataAndOddHeadersStillLoad)
 {
     const LogCapture log;
-    const Bytes file =
-        AssemblePng({PngChunk("IHDR", PngHeaderData(2, 2, 8, 2), true), PngChunk("gAMA", {1, 2, 3, 4}),
-                     PngChunk("abCd", {9}), PngChunk("PLTE", {1, 2, 3}), PngChunk("QQQQ", {1, 2}),
-                     PngChunk("PLTE", {1, 2}), SmallIdat(), PngChunk("IEND", {}, true)});
-    const std::shared_ptr<Graphics::Bitmap> bitmap = Decode(file);
-    ASSERT_TRUE(bitmap);
-    EXPECT_EQ(PixelsOf(*bitmap), WithAlpha(kSmallRgb));
-    EXPECT_EQ(log.Messages("AssetManager", LogLevel::Debug),
-              std::vector<std::string>{"Ignoring unknown PNG chunk abCd"});
-    EXPECT_EQ(log.Messages("AssetManager", LogLevel::Error),
-              (std::vector<std::string>{"PNG file has unknown critical chunk: QQQQ",
-                                        "PNG file has invalid palette size: 2"}));
-}
-
-TEST(PngDecoder, DataSplitOverTwoIdatChunksIsJoined)
-{
     const Bytes data = Deflate(FilterRows(kSmallRgb, 2, 2, 3, {4}));
-    const Bytes first(data.begin(), data.begin() + 5);
-    const Bytes second(data.begin() + 5, data.end());
-    const std::shared_ptr<Graphics::Bitmap> bitmap = Decode(AssemblePng(
-        {SmallHeader(), PngChunk("IDAT", first), PngChunk("IDAT", second), PngChunk("IEND", {})}));
-    ASSERT_TRUE(bitmap);
-    EXPECT_EQ(PixelsOf(*bitmap), WithAlpha(kSmallRgb));
-}
-
-TEST(PngDecoder, OddHeadersWarnAndAreReadAnyway)
-{
-    const LogCapture log;
     Bytes longHeader = PngHeaderData(2, 2, 8, 2);
     longHeader.push_back(0);
     // The 14-byte chunk is read as 13 bytes; its last byte then stands where the CRC is skipped.
     Bytes longHeaderChunk = PngChunk("IHDR", longHeader);
     longHeaderChunk.pop_back();
     const Bytes file = AssemblePng(
-        {longHeaderChunk, PngChunk("IHDR", PngHeaderData(2, 2, 8, 2)), SmallIdat(), PngChunk("IEND", {})});
-    EXPECT_TRUE(Decode(file));
+        {longHeaderChunk, PngChunk("IHDR", PngHeaderData(2, 2, 8, 2), true), PngChunk("gAMA", {1, 2, 3, 4}),
+         PngChunk("abCd", {9}), PngChunk("PLTE", {1, 2, 3}), PngChunk("QQQQ", {1, 2}),
+         PngChunk("PLTE", {1, 2}), PngChunk("IDAT", Bytes(data.begin(), data.begin() + 5)),
+         PngChunk("IDAT", Bytes(data.begin() + 5, data.end())), PngChunk("IEND", {}, true)});
+    const std::shared_ptr<Graphics::Bitmap> bitmap = Decode(file);
+    ASSERT_TRUE(bitmap);
+    EXPECT_EQ(PixelsOf(*bitmap), WithOpaqueAlpha(kSmallRgb));
+    EXPECT_EQ(log.Messages("AssetManager", LogLevel::Debug),
+              std::vector<std::string>{"Ignoring unknown PNG chunk abCd"});
     EXPECT_EQ(log.Messages("AssetManager", LogLevel::Warning),
               (std::vector<std::string>{"PNG file has unknown header size: 14",
                                         "PNG file has multiple header chunks"}));
+    EXPECT_EQ(log.Messages("AssetManager", LogLevel::Error),
+              (std::vector<std::string>{"PNG file has unknown critical chunk: QQQQ",
+                                        "PNG file has invalid palette size: 2"}));
+
+    // An image without rows allocates nothing for its width.
+    const std::shared_ptr<Graphics::Bitmap> empty =
+        Decode(AssemblePng({PngChunk("IHDR", PngHeaderData(0xFFFFFFFF, 0, 8, 6)),
+                            PngChunk("IDAT", Deflate({})), PngChunk("IEND", {})}));
+    ASSERT_TRUE(empty);
+    EXPECT_EQ(empty->width, 0xFFFFFFFFu);
+    EXPECT_EQ(empty->height, 0u);
 }
 
 TEST(PngDecoder, RefusedFilesSayWhy)
@@ -177,16 +141,6 @@ TEST(PngDecoder, RefusedFilesSayWhy)
         EXPECT_FALSE(Decode(file)) << message;
         EXPECT_EQ(log.Messages("AssetManager", LogLevel::Error), std::vector<std::string>{message});
     }
-}
-
-TEST(PngDecoder, AnImageWithoutRowsAllocatesNothingForItsWidth)
-{
-    const std::shared_ptr<Graphics::Bitmap> bitmap =
-        Decode(AssemblePng({PngChunk("IHDR", PngHeaderData(0xFFFFFFFF, 0, 8, 6)),
-                            PngChunk("IDAT", Deflate({})), PngChunk("IEND", {})}));
-    ASSERT_TRUE(bitmap);
-    EXPECT_EQ(bitmap->width, 0xFFFFFFFFu);
-    EXPECT_EQ(bitmap->height, 0u);
 }
 
 TEST(PngDecoder, TruncationAndHugeLengthsRaiseInsteadOfAllocating)

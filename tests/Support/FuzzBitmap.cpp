@@ -32,6 +32,18 @@ bool DecodeFuzzInput(const uint8_t* data, size_t size, BitmapDecoder decoder)
     return true;
 }
 
+std::shared_ptr<Graphics::Bitmap> DecodeBytes(const std::vector<uint8_t>& file, BitmapDecoder decoder)
+{
+    const MemoryFile bytes(file);
+    FileSystem::FileSerializerBinary serializer(bytes.Open());
+    return decoder(serializer, "test");
+}
+
+std::vector<uint8_t> PixelsOf(const Graphics::Bitmap& bitmap)
+{
+    return {bitmap.pixels.get(), bitmap.pixels.get() + size_t{bitmap.width} * bitmap.height * 4};
+}
+
 void SilenceStandardSinks()
 {
     Logger::Detach(StandardOutputSink);

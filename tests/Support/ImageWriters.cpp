@@ -102,6 +102,16 @@ Bytes MakeBmp(int32_t width, int32_t height, const Bytes& rgb, const BmpLayout& 
     return file;
 }
 
+Bytes WithOpaqueAlpha(const Bytes& rgb)
+{
+    Bytes rgba;
+    for (size_t index = 0; index + 2 < rgb.size(); index += 3)
+    {
+        rgba.insert(rgba.end(), {rgb[index], rgb[index + 1], rgb[index + 2], 255});
+    }
+    return rgba;
+}
+
 Bytes PngChunk(const std::string& type, const Bytes& data, bool badCrc)
 {
     Bytes chunk;

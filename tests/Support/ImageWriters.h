@@ -24,6 +24,9 @@ struct BmpLayout
 // rgb holds width × height pixels of three bytes, top row first. A 12-byte header stores 16-bit sizes.
 Bytes MakeBmp(int32_t width, int32_t height, const Bytes& rgb, const BmpLayout& layout = {});
 
+// Three bytes a pixel to four, alpha 255.
+Bytes WithOpaqueAlpha(const Bytes& rgb);
+
 // One chunk with its length and CRC; a bad CRC is the right one plus one.
 Bytes PngChunk(const std::string& type, const Bytes& data, bool badCrc = false);
 Bytes PngHeaderData(uint32_t width, uint32_t height, uint8_t depth, uint8_t colourType,
