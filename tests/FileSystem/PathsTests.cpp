@@ -1,6 +1,5 @@
 #include "FileSystem/Paths.h"
 #include "Support/LogCapture.h"
-#include "Support/RaiseCheck.h"
 #include "Support/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -11,16 +10,11 @@ namespace
 
 namespace fs = std::filesystem;
 
-TEST(Paths, TheDataFolderBecomesTheWorkingDirectoryOrTheRunEnds)
+// A missing Data folder, or a file in its place, ends the run: checked end to end.
+TEST(Paths, TheDataFolderBecomesTheWorkingDirectory)
 {
     TempFolder folder;
     ScopedWorkingDirectory start(folder.Path());
-    ExpectRaise([] { FileSystem::ChangeToDataFolder(); }, "AssetManager",
-                "Failed to change working directory: (2)");
-    folder.Touch("Data");
-    ExpectRaise([] { FileSystem::ChangeToDataFolder(); }, "AssetManager",
-                "Failed to change working directory: (20)");
-    fs::remove(folder.Path() / "Data");
     folder.MakeFolder("Data");
     FileSystem::ChangeToDataFolder();
     EXPECT_TRUE(fs::equivalent(FileSystem::GetWorkingDirectory(), folder.Path() / "Data"));
@@ -35,7 +29,7 @@ protected:
     ScopedEnvironment dataHome{"XDG_DATA_HOME", std::nullopt};
 };
 
-TEST_F(SavePath, FoldersAreMadeUnderTheUsersDataFolderOnceAndSilently)
+TEST_F(SavePath, FoldersAreMadeUnderTheUsersDataFolderOnceAndSilentlyAndThePathIsKept)
 {
     LogCapture capture;
     const fs::path base = home.Path() / ".local/share";
@@ -52,6 +46,13 @@ TEST_F(SavePath, FoldersAreMadeUnderTheUsersDataFolderOnceAndSilently)
     EXPECT_EQ(FileSystem::BuildSavePath(), (home.Path() / "xdg/Velmora/Quellmar/Save.lua").string());
     const ScopedEnvironment relative("XDG_DATA_HOME", "relative/xdg");
     EXPECT_EQ(FileSystem::BuildSavePath(), (base / "Velmora/Quellmar/Save.lua").string());
+
+    const std::string* kept = FileSystem::GetSavePath();
+    ASSERT_NE(kept, nullptr);
+    const std::string keptPath = *kept;
+    const ScopedEnvironment moved("HOME", (home.Path() / "elsewhere").string());
+    EXPECT_EQ(FileSystem::GetSavePath(), kept);
+    EXPECT_EQ(*kept, keptPath);
 }
 
 TEST_F(SavePath, FailuresWarnReturnNothingAndTheNextCallTriesAgain)
@@ -74,15 +75,6 @@ TEST_F(SavePath, FailuresWarnReturnNothingAndTheNextCallTriesAgain)
     EXPECT_EQ(
         capture.Messages("FileSystem", LogLevel::Warning),
         (std::vector<std::string>{"Failed to get AppData save path", "Failed to get AppData save path"}));
-}
-
-TEST_F(SavePath, IsBuiltOnceAndKept)
-{
-    const std::string* first = FileSystem::GetSavePath();
-    ASSERT_NE(first, nullptr);
-    const ScopedEnvironment moved("HOME", (home.Path() / "elsewhere").string());
-    EXPECT_EQ(FileSystem::GetSavePath(), first);
-    EXPECT_EQ(*FileSystem::GetSavePath(), *first);
 }
 
 } // namespace
