@@ -40,10 +40,13 @@ struct SteppedLibrary
             library.Update();
         }
     }
-    SoundResult Load(const std::string& path, bool streamed, SoundHandle& sound)
+    SoundHandle Load(const std::string& path, bool streamed = false, SoundResult expected = R::Ok)
     {
-        return streamed ? library.CreateStream(path.c_str(), sound)
-                        : library.CreateSound(path.c_str(), sound);
+        SoundHandle sound;
+        EXPECT_EQ(streamed ? library.CreateStream(path.c_str(), sound)
+                           : library.CreateSound(path.c_str(), sound),
+                  expected);
+        return sound;
     }
     ChannelHandle Play(SoundHandle sound, bool paused = false, ChannelGroupHandle group = {})
     {
@@ -71,14 +74,12 @@ struct SteppedLibrary
 std::string WriteSound(const TempFolder& folder, const std::string& name, Format format, double seconds,
                        std::optional<size_t> cutToBytes = {}, int channels = 1)
 {
-    SoundFileShape shape;
-    shape.format = format;
-    shape.seconds = seconds;
-    shape.channels = channels;
-    shape.noise = cutToBytes.has_value();
-    shape.cutToBytes = cutToBytes;
     const std::string path = folder.PathOf(name + ExtensionOf(format));
-    WriteSoundFile(path, shape);
+    WriteSoundFile(path, {.format = format,
+                          .channels = channels,
+                          .seconds = seconds,
+                          .noise = cutToBytes.has_value(),
+                          .cutToBytes = cutToBytes});
     return path;
 }
 
@@ -101,7 +102,7 @@ ALuint ThePlayingSource()
 
 TEST(SoundLibrary, EveryFormatPlaysInTimeAndEndsAfterItsRepeats)
 {
-    // plays 0: for ever.
+    // Plays 0: for ever.
     const struct
     {
         bool normal;
@@ -124,9 +125,7 @@ TEST(SoundLibrary, EveryFormatPlaysInTimeAndEndsAfterItsRepeats)
             {
                 SCOPED_TRACE(path + (streamed ? " streamed, " : ", ") + std::to_string(loop.count));
                 SteppedLibrary sound;
-                SoundHandle handle;
-                ASSERT_EQ(sound.Load(path, streamed, handle), R::Ok);
-                const ChannelHandle channel = sound.Play(handle, true);
+                const ChannelHandle channel = sound.Play(sound.Load(path, streamed), true);
                 if (loop.normal)
                 {
                     sound.library.SetMode(channel, LoopMode::Normal);
@@ -163,11 +162,9 @@ TEST(SoundLibrary, GainAndPitchAreTheChannelsTimesTheGroupsAndRefuseWhatIsntANum
     for (const auto& row : rows)
     {
         SteppedLibrary sound;
-        SoundHandle handle;
         ChannelGroupHandle group;
-        ASSERT_EQ(sound.Load(path, false, handle), R::Ok);
         sound.library.CreateChannelGroup("effects", group);
-        const ChannelHandle channel = sound.Play(handle, false, group);
+        const ChannelHandle channel = sound.Play(sound.Load(path), false, group);
         EXPECT_EQ(sound.library.SetVolume(channel, row.volume), R::Ok);
         EXPECT_EQ(sound.library.SetVolume(group, row.groupVolume), R::Ok);
         EXPECT_EQ(sound.library.SetPitch(channel, row.pitch), R::Ok);
@@ -201,9 +198,8 @@ TEST(SoundLibrary, AChannelIsPausedWhileItOrItsGroupIsAndTheOldestGivesWayWhenAl
 {
     TempFolder folder;
     SteppedLibrary sound;
-    SoundHandle handle;
+    const SoundHandle handle = sound.Load(WriteSound(folder, "tone", Format::Wav, 1));
     ChannelGroupHandle group;
-    ASSERT_EQ(sound.Load(WriteSound(folder, "tone", Format::Wav, 1), false, handle), R::Ok);
     sound.library.CreateChannelGroup("effects", group);
     sound.library.SetPaused(group, true);
     const ChannelHandle channel = sound.Play(handle, false, group);
@@ -234,10 +230,7 @@ TEST(SoundLibrary, ReleasedAndReplayedSoundsLeaveStaleChannels)
     TempFolder folder;
     const std::string path = WriteSound(folder, "tone", Format::OggVorbis, 3);
     SteppedLibrary sound, other;
-    SoundHandle decoded, streamed, otherSound;
-    ASSERT_EQ(sound.Load(path, false, decoded), R::Ok);
-    ASSERT_EQ(sound.Load(path, true, streamed), R::Ok);
-    ASSERT_EQ(other.Load(path, false, otherSound), R::Ok);
+    const SoundHandle decoded = sound.Load(path), streamed = sound.Load(path, true);
     const ChannelHandle decodedChannel = sound.Play(decoded);
     const ChannelHandle firstStreamChannel = sound.Play(streamed);
     const ChannelHandle streamChannel = sound.Play(streamed);
@@ -245,7 +238,7 @@ TEST(SoundLibrary, ReleasedAndReplayedSoundsLeaveStaleChannels)
     // Eight times as fast, the stream plays out its queue between two Updates and must go on all the same.
     sound.library.SetPitch(streamChannel, 8);
     sound.Advance(0.25, 0.25);
-    other.Play(otherSound);
+    other.Play(other.Load(path));
     EXPECT_NEAR(sound.Position(decodedChannel), 0.25, 1e-9)
         << "asked while another library's context was current";
     EXPECT_EQ(sound.Playing(streamChannel), R::Ok);
@@ -302,10 +295,10 @@ TEST(SoundLibrary, FilesThatCantPlayGiveTheirReasons)
         {
             continue;
         }
+        SCOPED_TRACE(row.path.substr(0, 100));
         SteppedLibrary sound(row.decodeCapBytes);
-        SoundHandle handle;
-        EXPECT_EQ(sound.Load(row.path, false, handle), row.sound) << row.path.substr(0, 100);
-        EXPECT_EQ(sound.Load(row.path, true, handle), row.stream) << row.path.substr(0, 100);
+        sound.Load(row.path, false, row.sound);
+        sound.Load(row.path, true, row.stream);
     }
 }
 
