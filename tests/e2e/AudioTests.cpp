@@ -52,7 +52,6 @@ TEST(Audio, ComponentsAndGroupsBehaveTheSameWithAndWithoutADevice)
         RunOptions options;
         options.dataFolder = "audio";
         options.environment = {drivers};
-        options.timeLimitSeconds = 60.0;
         const RunResult result = RunEngine(options);
         ASSERT_EQ(result.exitCode, 0) << drivers << "\n" << result.errors;
         EXPECT_EQ(PrintedLines(result.output), expectedPrinted) << drivers;

@@ -21,16 +21,6 @@ namespace
 
 namespace fs = std::filesystem;
 
-fs::path MakeTemporaryDirectory()
-{
-    std::string pattern = (fs::temp_directory_path() / "quellmar-e2e-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr)
-    {
-        throw std::runtime_error("mkdtemp failed");
-    }
-    return pattern;
-}
-
 void PrepareDirectory(const RunOptions& options, const fs::path& directory)
 {
     if (!options.dataFolder.empty())
@@ -226,8 +216,12 @@ void Collect(const RunOptions& options, pid_t child, int outputDescriptor, int e
 
 RunResult RunEngine(const RunOptions& options)
 {
-    const bool temporary = options.directory.empty();
-    const fs::path directory = temporary ? MakeTemporaryDirectory() : options.directory;
+    std::optional<RunDirectory> temporary;
+    if (options.directory.empty())
+    {
+        temporary.emplace();
+    }
+    const fs::path directory = temporary ? temporary->path : options.directory;
     PrepareDirectory(options, directory);
 
     int outputPipe[2];
@@ -246,27 +240,16 @@ RunResult RunEngine(const RunOptions& options)
     }
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     result.terminatingSignal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
-    if (temporary)
-    {
-        std::error_code ignored;
-        fs::remove_all(directory, ignored);
-    }
     return result;
 }
 
 std::vector<std::string> SplitLines(const std::string& text)
 {
     std::vector<std::string> lines;
-    size_t start = 0;
-    while (start < text.size())
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);)
     {
-        size_t end = text.find('\n', start);
-        if (end == std::string::npos)
-        {
-            end = text.size();
-        }
-        lines.push_back(text.substr(start, end - start));
-        start = end + 1;
+        lines.push_back(line);
     }
     return lines;
 }
@@ -320,10 +303,12 @@ RunDirectory::RunDirectory()
 
 RunDirectory::~RunDirectory()
 {
-    fs::remove_all(path);
+    std::error_code ignored;
+    fs::remove_all(path, ignored);
 }
 
 void RunDirectory::Write(const std::string& name, const std::string& text) const
 {
+    fs::create_directories((path / name).parent_path());
     std::ofstream(path / name, std::ios::binary) << text;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-// Runs the real executable in a fresh temporary directory that holds a copy of a test's own Data folder,
-// with HOME and XDG_DATA_HOME pointed inside it, under a time limit.
+// Runs the real executable in a directory that holds a copy of a test's own Data folder, with HOME and
+// XDG_DATA_HOME pointed inside it, headless and silent, under a time limit.
 
 #include <csignal>
 #include <filesystem>
@@ -12,44 +12,34 @@
 struct RunOptions
 {
     std::string executable = QUELLMAR_EXECUTABLE;
-    // Name of a folder under tests/e2e/data copied as Data; empty for none.
-    std::string dataFolder;
-    // Where to run; empty for a fresh temporary directory that is removed afterwards. A given directory
-    // is kept, so consecutive runs can share a save folder.
+    std::string dataFolder; // a folder under tests/e2e/data copied as Data; empty for none
+    // Where to run; empty for a fresh temporary directory. A given one is kept, so runs can share a save.
     std::filesystem::path directory;
     std::vector<std::string> arguments;
-    // NAME=value settings over the environment; the run is headless and silent unless these say otherwise.
-    std::vector<std::string> environment;
-    double timeLimitSeconds = 20.0;
-    // When standard output first holds this text, the signal is sent once.
+    std::vector<std::string> environment; // NAME=value settings over the default ones
+    double timeLimitSeconds = 60.0;
+    // The signal is sent once, this long after standard output first holds the text.
     std::string signalAfterOutput;
-    // How long after that text appeared the signal waits, so the run can go through many frames first.
     double signalDelaySeconds = 0.0;
     int signal = SIGTERM;
-    // Close our end of standard output right after signalling, as a reader that went away would.
-    bool closeOutputAfterSignal = false;
-    // The largest file the run may write, in bytes (RLIMIT_FSIZE); 0 for no limit. A limited run also
-    // dumps no core, which the limit would cut short anyway.
-    rlim_t fileSizeLimit = 0;
-    // With a limit: start with SIGXFSZ ignored, so that a write past the limit fails with EFBIG instead of
-    // ending the process by the signal.
-    bool ignoreFileSizeSignal = false;
-    // The most address space the run may map, in bytes (RLIMIT_AS); 0 for no limit.
-    rlim_t addressSpaceLimit = 0;
+    bool closeOutputAfterSignal = false; // as a reader that went away would
+    rlim_t fileSizeLimit = 0;            // RLIMIT_FSIZE, 0 for none; a limited run dumps no core
+    bool ignoreFileSizeSignal = false;   // so a write past the limit fails with EFBIG instead
+    rlim_t addressSpaceLimit = 0;        // RLIMIT_AS, 0 for none
 };
 
 struct RunResult
 {
-    int exitCode = -1; // the exit status, or -1 if a signal ended the process
+    int exitCode = -1; // -1 if a signal ended the process
     int terminatingSignal = 0;
     bool timedOut = false;
-    std::string output; // standard output
-    std::string errors; // standard error
+    std::string output;
+    std::string errors;
 };
 
 RunResult RunEngine(const RunOptions& options);
 
-// A fresh temporary directory for runs that keep their directory, removed with everything in it.
+// A fresh temporary directory, removed with everything in it.
 class RunDirectory
 {
 public:
@@ -58,18 +48,19 @@ public:
     RunDirectory(const RunDirectory&) = delete;
     RunDirectory& operator=(const RunDirectory&) = delete;
 
+    // Writes the file at the path, relative to the directory, making its folders.
     void Write(const std::string& name, const std::string& text) const;
+    std::filesystem::path Save() const { return path / "xdg/Velmora/Quellmar/Save.lua"; }
 
     std::filesystem::path path;
 };
 
-// Lines of a text, without their line ends.
 std::vector<std::string> SplitLines(const std::string& text);
 
 // The lines of standard output that are no log lines: what scripts printed, in order.
 std::vector<std::string> PrintedLines(const std::string& text);
 
-// The lines of a log that end with "] [category] [level]: message", in order, message only.
+// The messages of the log lines "... [category] [level]: message", in order.
 std::vector<std::string> LogMessages(const std::string& text, const std::string& category,
                                      const std::string& level);
 

@@ -4,10 +4,8 @@
 #include "Harness.h"
 
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <random>
-#include <unistd.h>
 
 namespace
 {
@@ -51,17 +49,14 @@ TEST(HostileInput, SaveFilesThatDoNotLoadGiveTheirWarningAndEmptyData)
          "Failed to load save file: "},
         {"8 MB of junk", RandomBytes(8 << 20), "Failed to load save file: "},
     };
-    const fs::path directory = fs::temp_directory_path() / ("quellmar-hostile-" + std::to_string(getpid()));
-    const fs::path save = directory / "xdg/Velmora/Quellmar/Save.lua";
     RunOptions options;
     options.dataFolder = "hostilesave";
-    options.directory = directory;
     for (const HostileSave& hostile : saves)
     {
         SCOPED_TRACE(hostile.name);
-        fs::remove_all(directory);
-        fs::create_directories(save.parent_path());
-        std::ofstream(save, std::ios::binary) << hostile.content;
+        RunDirectory directory;
+        directory.Write(directory.Save(), hostile.content);
+        options.directory = directory.path;
         const RunResult result = RunEngine(options);
         ASSERT_EQ(result.exitCode, 0) << result.errors;
         EXPECT_FALSE(result.timedOut);
@@ -78,19 +73,19 @@ TEST(HostileInput, SaveFilesThatDoNotLoadGiveTheirWarningAndEmptyData)
         {
             EXPECT_EQ(warnings[0], hostile.warning);
         }
-        EXPECT_EQ(ReadFile(save), "return {[\"after\"]=1}\n");
+        EXPECT_EQ(ReadFile(directory.Save()), "return {[\"after\"]=1}\n");
     }
 
     // A folder in the save's place reads as no save at all; saving over it fails.
-    fs::remove_all(directory);
-    fs::create_directories(save);
+    RunDirectory directory;
+    fs::create_directories(directory.Save());
+    options.directory = directory.path;
     const RunResult result = RunEngine(options);
     EXPECT_EQ(result.exitCode, 0) << result.errors;
     EXPECT_EQ(PrintedLines(result.output), std::vector<std::string>{"empty\ttrue"});
     EXPECT_EQ(LogMessages(result.output, "Lua", "Warning"),
               std::vector<std::string>{"Failed to open save file"});
-    EXPECT_TRUE(fs::is_directory(save));
-    fs::remove_all(directory);
+    EXPECT_TRUE(fs::is_directory(directory.Save()));
 }
 
 // The first line of each script error, without the traceback.

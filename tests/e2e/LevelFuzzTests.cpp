@@ -6,10 +6,8 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <random>
-#include <stdlib.h>
 
 namespace
 {
@@ -183,13 +181,9 @@ TEST(LevelFuzz, BrokenFilesAreRefusedOneByOneAndTheGameRunsToItsEnd)
 {
     const uint32_t seed = Seed();
     SCOPED_TRACE("seed " + std::to_string(seed));
-    std::string directory = (fs::temp_directory_path() / "quellmar-fuzz-XXXXXX").string();
-    ASSERT_NE(mkdtemp(directory.data()), nullptr);
-    const fs::path data = fs::path(directory) / "Data";
-    fs::create_directories(data / "Levels");
-    fs::create_directories(data / "Fuzz");
-    std::ofstream(data / "Levels" / "Start.lvl") << "return { { Name = 'Driver', Script = 'Driver.lua' } }\n";
-    std::ofstream(data / "Driver.lua") << kDriver;
+    RunDirectory directory;
+    directory.Write("Data/Levels/Start.lvl", "return { { Name = 'Driver', Script = 'Driver.lua' } }\n");
+    directory.Write("Data/Driver.lua", kDriver);
     Generator generator(seed);
     std::vector<std::string> expected;
     for (const char* kind : {"l", "a"})
@@ -198,7 +192,7 @@ TEST(LevelFuzz, BrokenFilesAreRefusedOneByOneAndTheGameRunsToItsEnd)
         for (int i = 0; i < kFilesPerKind; ++i)
         {
             const std::string name = kind + std::to_string(i) + (kind[0] == 'l' ? ".lvl" : ".arch");
-            std::ofstream(data / "Fuzz" / name) << generator.File();
+            directory.Write("Data/Fuzz/" + name, generator.File());
             names.push_back(name);
         }
         std::sort(names.begin(), names.end());
@@ -209,10 +203,9 @@ TEST(LevelFuzz, BrokenFilesAreRefusedOneByOneAndTheGameRunsToItsEnd)
     }
 
     RunOptions options;
-    options.directory = directory;
+    options.directory = directory.path;
     options.timeLimitSeconds = 120.0;
     const RunResult result = RunEngine(options);
-    fs::remove_all(directory);
 
     EXPECT_EQ(result.exitCode, 0) << result.errors.substr(0, 4000);
     EXPECT_FALSE(result.timedOut);

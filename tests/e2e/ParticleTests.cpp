@@ -104,11 +104,11 @@ TEST(Particle, EffectsAndScriptsRepeatFromTheSeed)
     const Outcome threadedEight = run("8", "y");
     ASSERT_TRUE(seven.shot->Loaded() && again.shot->Loaded() && eight.shot->Loaded() &&
                 threadedSeven.shot->Loaded() && threadedEight.shot->Loaded());
-    EXPECT_TRUE(SamePixels(*seven.shot, *again.shot));
+    EXPECT_TRUE(*seven.shot == *again.shot);
     EXPECT_EQ(seven.printed, again.printed);
-    EXPECT_FALSE(SamePixels(*seven.shot, *eight.shot));
+    EXPECT_FALSE(*seven.shot == *eight.shot);
     EXPECT_NE(seven.printed, eight.printed);
-    EXPECT_TRUE(SamePixels(*threadedSeven.shot, *threadedEight.shot));
+    EXPECT_TRUE(*threadedSeven.shot == *threadedEight.shot);
     EXPECT_EQ(threadedSeven.printed, threadedEight.printed);
 }
 

@@ -2,58 +2,41 @@
 // collector's rays see only the main Space, with the main Space at timescale 8: the game takes its clock from
 // the Space that loads it, so 20 s of play take 2.5 s.
 
-#include "FileSystem/BitmapLoader.h"
-#include "Graphics/Bitmap.h"
-#include "Harness.h"
+#include "Screenshot.h"
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <stdlib.h>
-#include <utility>
 
 namespace
 {
 
 namespace fs = std::filesystem;
 
-const fs::path kSampleData = fs::path(QUELLMAR_E2E_DATA) / ".." / ".." / ".." / "Data";
-
-// A fresh directory holding a copy of the sample game and a level that starts it fast, with a child Space
-// that takes a screenshot a second into the game.
-fs::path MakeGameDirectory()
+// A copy of the sample game and a level that starts it fast, with a child Space that takes a screenshot a
+// second into the game.
+void MakeGame(const RunDirectory& directory)
 {
-    std::string directory = (fs::temp_directory_path() / "quellmar-sample-XXXXXX").string();
-    if (mkdtemp(directory.data()) == nullptr)
-    {
-        return {};
-    }
-    fs::copy(kSampleData, fs::path(directory) / "Data", fs::copy_options::recursive);
-    const fs::path data = fs::path(directory) / "Data";
-    std::ofstream(data / "Levels" / "Fast.lvl")
-        << "MainSpace:SetTimescale(8) MainSpace:LoadLevel('Levels/Start.lvl') "
-           "MainSpace:CreateChildSpace('Levels/Shot.lvl') return {}\n";
-    std::ofstream(data / "Levels" / "Shot.lvl")
-        << "return { { Name = 'Shooter', Script = 'Scripts/Shot.lua' } }\n";
-    std::ofstream(data / "Scripts" / "Shot.lua") << "wait(1) Graphics:Screenshot('shot.png')\n";
-    return directory;
+    fs::copy(fs::path(QUELLMAR_E2E_DATA) / ".." / ".." / ".." / "Data", directory.path / "Data",
+             fs::copy_options::recursive);
+    directory.Write("Data/Levels/Fast.lvl",
+                    "MainSpace:SetTimescale(8) MainSpace:LoadLevel('Levels/Start.lvl') "
+                    "MainSpace:CreateChildSpace('Levels/Shot.lvl') return {}\n");
+    directory.Write("Data/Levels/Shot.lvl", "return { { Name = 'Shooter', Script = 'Scripts/Shot.lua' } }\n");
+    directory.Write("Data/Scripts/Shot.lua", "wait(1) Graphics:Screenshot('shot.png')\n");
 }
 
-fs::path SavePath(const fs::path& directory)
-{
-    return directory / "xdg" / "Velmora" / "Quellmar" / "Save.lua";
-}
-
-std::vector<std::string> Play(const fs::path& directory, RunResult& result,
-                              std::vector<std::string> environment = {})
+// Plays the game once; the run must end cleanly.
+std::vector<std::string> Play(const RunDirectory& directory, std::vector<std::string> environment = {})
 {
     RunOptions options;
     options.environment = std::move(environment);
-    options.directory = directory;
+    options.directory = directory.path;
     options.arguments = {"-level", "Levels/Fast.lvl"};
-    options.timeLimitSeconds = 60.0;
-    result = RunEngine(options);
+    const RunResult result = RunEngine(options);
+    EXPECT_EQ(result.exitCode, 0) << result.errors;
+    EXPECT_EQ(result.errors, "");
     return PrintedLines(result.output);
 }
 
@@ -99,32 +82,31 @@ int NumberAfter(const std::vector<std::string>& lines, const std::string& prefix
     return found.empty() ? -1 : std::atoi(found.front().c_str() + prefix.size());
 }
 
-TEST(SampleGame, PlaysToItsEndCatchingBouncingComets)
+// Four games in one save folder: the first is checked in full and sets the best score, the second compares
+// with it. Seeded save files then take each side of the comparison for certain, whatever the games score.
+TEST(SampleGame, PlaysToItsEndAndKeepsTheBestScoreInTheSaveFolder)
 {
-    const fs::path directory = MakeGameDirectory();
-    ASSERT_FALSE(directory.empty());
-    RunResult result;
-    const std::vector<std::string> printed = Play(directory, result);
-    const std::shared_ptr<Graphics::Bitmap> shot =
-        FileSystem::LoadBitmapFile((directory / "Data/shot.png").string());
-    fs::remove_all(directory);
-    ASSERT_NE(shot, nullptr) << result.output;
-    // The sun in the middle of the screen, and the score in yellow letters in the top left corner.
-    const uint8_t* sun = &shot->pixels[(shot->height / 2 * shot->width + shot->width / 2) * 4];
-    EXPECT_TRUE(sun[0] > 200 && sun[1] > 120 && sun[2] < 120) << +sun[0] << "," << +sun[1] << "," << +sun[2];
-    int scoreInk = 0;
-    for (uint32_t y = 0; y < 40; ++y)
-    {
-        for (uint32_t x = 0; x < 200; ++x)
-        {
-            const uint8_t* pixel = &shot->pixels[(y * shot->width + x) * 4];
-            scoreInk += pixel[0] > 200 && pixel[1] > 150 && pixel[2] < 120 ? 1 : 0;
-        }
-    }
-    EXPECT_GT(scoreInk, 20);
+    RunDirectory directory;
+    MakeGame(directory);
+    const std::vector<std::string> printed = Play(directory);
+    const std::string firstSave = ReadFile(directory.Save());
+    const std::vector<std::string> secondPrinted = Play(directory);
+    const std::string secondSave = ReadFile(directory.Save());
+    directory.Write(directory.Save(), "return {[\"best\"]=0,[\"other\"]=\"kept\"}\n");
+    const std::vector<std::string> beatenPrinted = Play(directory);
+    const std::string beatenSave = ReadFile(directory.Save());
+    directory.Write(directory.Save(), "return {[\"best\"]=1000}\n");
+    // A machine without any sound device plays the game as silently as the null device does.
+    const std::vector<std::string> unbeatenPrinted = Play(directory, {"ALSOFT_DRIVERS=none"});
 
-    EXPECT_EQ(result.exitCode, 0) << result.errors;
-    EXPECT_EQ(result.errors, "");
+    // The sun in the middle of the screen, and the score in yellow letters in the top left corner.
+    const Shot shot(directory.path / "Data/shot.png");
+    ASSERT_TRUE(shot.Loaded());
+    const Rgb sun = shot.Pixel(static_cast<int>(shot.Width() / 2), static_cast<int>(shot.Height() / 2));
+    EXPECT_TRUE(sun[0] > 200 && sun[1] > 120 && sun[2] < 120) << sun[0] << "," << sun[1] << "," << sun[2];
+    const auto isScore = [](Rgb pixel) { return pixel[0] > 200 && pixel[1] > 150 && pixel[2] < 120; };
+    EXPECT_GT(shot.Count(0, 0, 200, 40, isScore), 20);
+
     ASSERT_FALSE(printed.empty());
     EXPECT_EQ(printed.front(), "Comet Collector: catch the comets before the time runs out");
     // One comet every 1.5 s of game time; a slow machine's long frames can only lose some.
@@ -163,57 +145,25 @@ TEST(SampleGame, PlaysToItsEndCatchingBouncingComets)
     EXPECT_TRUE(gameOver->starts_with("Game over: " + std::to_string(caughtBefore) + " of " +
                                       std::to_string(comets) + " comets caught, the moon ended at ("))
         << *gameOver;
-}
 
-// Two games in one save folder: the first sets the best score, the second compares with it. Seeded save
-// files then take each side of the comparison for certain, whatever the games score.
-TEST(SampleGame, KeepsTheBestScoreInTheSaveFolder)
-{
-    const fs::path directory = MakeGameDirectory();
-    ASSERT_FALSE(directory.empty());
-    RunResult first, second, beaten, unbeaten;
-    const std::vector<std::string> firstPrinted = Play(directory, first);
-    const std::string firstSave = ReadFile(SavePath(directory));
-    const std::vector<std::string> secondPrinted = Play(directory, second);
-    const std::string secondSave = ReadFile(SavePath(directory));
-    std::ofstream(SavePath(directory)) << "return {[\"best\"]=0,[\"other\"]=\"kept\"}\n";
-    const std::vector<std::string> beatenPrinted = Play(directory, beaten);
-    const std::string beatenSave = ReadFile(SavePath(directory));
-    std::ofstream(SavePath(directory)) << "return {[\"best\"]=1000}\n";
-    // A machine without any sound device plays the game as silently as the null device does.
-    const std::vector<std::string> unbeatenPrinted = Play(directory, unbeaten, {"ALSOFT_DRIVERS=none"});
-    const std::string unbeatenSave = ReadFile(SavePath(directory));
-    fs::remove_all(directory);
-
-    for (const RunResult* result : {&first, &second, &beaten, &unbeaten})
-    {
-        EXPECT_EQ(result->exitCode, 0) << result->errors;
-        EXPECT_EQ(result->errors, "");
-    }
-    const int firstScore = NumberAfter(firstPrinted, "Game over: ");
+    const int firstScore = NumberAfter(printed, "Game over: ");
     const int secondScore = NumberAfter(secondPrinted, "Game over: ");
     const int beatenScore = NumberAfter(beatenPrinted, "Game over: ");
-    ASSERT_GE(firstScore, 1);
-    ASSERT_GE(secondScore, 1);
-    ASSERT_GE(beatenScore, 1);
-
-    EXPECT_EQ(StartingWith(firstPrinted, "First best score: "),
+    ASSERT_TRUE(firstScore >= 1 && secondScore >= 1 && beatenScore >= 1);
+    EXPECT_EQ(StartingWith(printed, "First best score: "),
               std::vector<std::string>{"First best score: " + std::to_string(firstScore)});
     EXPECT_EQ(firstSave, "return {[\"best\"]=" + std::to_string(firstScore) + "}\n");
-
     const std::string secondExpected =
         secondScore > firstScore
             ? "New best score: " + std::to_string(secondScore) + ", was " + std::to_string(firstScore)
             : "Best score stays " + std::to_string(firstScore);
     EXPECT_EQ(BestScoreLine(secondPrinted), secondExpected);
     EXPECT_EQ(secondSave, "return {[\"best\"]=" + std::to_string(std::max(firstScore, secondScore)) + "}\n");
-
     EXPECT_EQ(BestScoreLine(beatenPrinted), "New best score: " + std::to_string(beatenScore) + ", was 0");
     EXPECT_NE(beatenSave.find("[\"best\"]=" + std::to_string(beatenScore)), std::string::npos) << beatenSave;
     EXPECT_NE(beatenSave.find("[\"other\"]=\"kept\""), std::string::npos) << beatenSave;
-
     EXPECT_EQ(BestScoreLine(unbeatenPrinted), "Best score stays 1000");
-    EXPECT_EQ(unbeatenSave, "return {[\"best\"]=1000}\n");
+    EXPECT_EQ(ReadFile(directory.Save()), "return {[\"best\"]=1000}\n");
 }
 
 } // namespace

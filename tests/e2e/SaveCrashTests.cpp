@@ -5,10 +5,8 @@
 #include "Harness.h"
 
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
-#include <unistd.h>
 
 namespace
 {
@@ -26,20 +24,13 @@ std::vector<std::string> Fields(const std::string& line)
     return fields;
 }
 
-// A run directory kept across runs, so they share the save folder; removed at the end of the test.
+// A run directory kept across runs, so they share the save folder.
 class SaveCrash : public testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        fs::remove_all(directory);
-        fs::create_directories(directory);
-    }
-    void TearDown() override { fs::remove_all(directory); }
-
     RunResult Run(RunOptions options) const
     {
-        options.directory = directory;
+        options.directory = directory.path;
         options.arguments = {"-vsync", "n"};
         return RunEngine(options);
     }
@@ -50,10 +41,9 @@ protected:
         return LogMessages(result.output, "Lua", "Warning");
     }
 
-    const fs::path directory =
-        fs::temp_directory_path() / ("quellmar-save-crash-" + std::to_string(getpid()));
-    const fs::path saveFolder = directory / "xdg/Velmora/Quellmar";
-    const fs::path save = saveFolder / "Save.lua";
+    RunDirectory directory;
+    const fs::path save = directory.Save();
+    const fs::path saveFolder = save.parent_path();
 };
 
 // Each run reports what it loaded, then saves every frame until it is killed at a different moment. Every

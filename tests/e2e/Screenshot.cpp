@@ -16,41 +16,36 @@ Rgb Shot::Pixel(int x, int y) const
     return {pixel[0], pixel[1], pixel[2]};
 }
 
-Rgb Shot::At(float worldX, float worldY) const
+std::array<int, 2> Shot::ToPixel(float worldX, float worldY) const
 {
     const float unit = static_cast<float>(bitmap->height) / 20.0f;
-    return Pixel(static_cast<int>(std::floor(static_cast<float>(bitmap->width) / 2.0f + worldX * unit)),
-                 static_cast<int>(std::floor(static_cast<float>(bitmap->height) / 2.0f - worldY * unit)));
+    return {static_cast<int>(std::floor(static_cast<float>(bitmap->width) / 2.0f + worldX * unit)),
+            static_cast<int>(std::floor(static_cast<float>(bitmap->height) / 2.0f - worldY * unit))};
+}
+
+Rgb Shot::At(float worldX, float worldY) const
+{
+    const auto [x, y] = ToPixel(worldX, worldY);
+    return Pixel(x, y);
 }
 
 bool Shot::NearHas(float worldX, float worldY, Rgb colour) const
 {
-    const float unit = static_cast<float>(bitmap->height) / 20.0f;
-    const int x = static_cast<int>(static_cast<float>(bitmap->width) / 2.0f + worldX * unit);
-    const int y = static_cast<int>(static_cast<float>(bitmap->height) / 2.0f - worldY * unit);
-    for (int dy = -1; dy <= 1; ++dy)
-    {
-        for (int dx = -1; dx <= 1; ++dx)
-        {
-            if (Close(Pixel(x + dx, y + dy), colour, 2))
-            {
-                return true;
-            }
-        }
-    }
-    return false;
+    const auto [x, y] = ToPixel(worldX, worldY);
+    return Count(x - 1, y - 1, x + 2, y + 2, [&](Rgb pixel) { return Close(pixel, colour, 2); }) > 0;
+}
+
+bool Shot::operator==(const Shot& other) const
+{
+    const size_t bytes = static_cast<size_t>(Width()) * Height() * 4;
+    return Width() == other.Width() && Height() == other.Height() &&
+           std::equal(bitmap->pixels.get(), bitmap->pixels.get() + bytes, other.bitmap->pixels.get());
 }
 
 bool Shot::Close(Rgb a, Rgb b, int tolerance)
 {
-    for (size_t channel = 0; channel < 3; ++channel)
-    {
-        if (std::abs(a[channel] - b[channel]) > tolerance)
-        {
-            return false;
-        }
-    }
-    return true;
+    return std::abs(a[0] - b[0]) <= tolerance && std::abs(a[1] - b[1]) <= tolerance &&
+           std::abs(a[2] - b[2]) <= tolerance;
 }
 
 ::testing::AssertionResult Looks(const Shot& shot, float x, float y, Rgb expected, int tolerance)
@@ -63,13 +58,6 @@ bool Shot::Close(Rgb a, Rgb b, int tolerance)
     return ::testing::AssertionFailure()
            << "at (" << x << ", " << y << "): " << actual[0] << "," << actual[1] << "," << actual[2]
            << " instead of " << expected[0] << "," << expected[1] << "," << expected[2];
-}
-
-bool SamePixels(const Shot& a, const Shot& b)
-{
-    const size_t bytes = static_cast<size_t>(a.Width()) * a.Height() * 4;
-    return a.Width() == b.Width() && a.Height() == b.Height() &&
-           std::equal(a.Pixels().pixels.get(), a.Pixels().pixels.get() + bytes, b.Pixels().pixels.get());
 }
 
 RunOptions Windowed(const RunDirectory& directory, const char* dataFolder, const char* width,

@@ -12,88 +12,87 @@ RunResult RunScripts(const std::string& dataFolder)
 {
     RunOptions options;
     options.dataFolder = dataFolder;
-    options.timeLimitSeconds = 60.0;
     return RunEngine(options);
 }
 
-TEST(ScriptApi, SpacesAndObjectsAnswerQueriesAndRefuseBadUse)
+// Spaces and objects answer queries and refuse bad use; transforms place children in the world and guard
+// their parent links.
+TEST(ScriptApi, SpacesObjectsAndTransformsAnswerQueriesAndRefuseBadUse)
 {
-    const RunResult result = RunScripts("objects");
-    EXPECT_EQ(result.exitCode, 0) << result.errors;
-    EXPECT_EQ(
-        PrintedLines(result.output),
-        (std::vector<std::string>{
-            "function\tSpace\tBox",
-            "0\t2\t4",
-            "false\tScripts/Objects.lua:9: Attempt to index a nil value: Space has no member \"Nothing\"",
-            "false\tScripts/Objects.lua:10: bad argument #2 to '__index' (string expected, got table)",
-            "false\tScripts/Objects.lua:11: attempt to index a Space value (global 'Space')",
-            "false\tbad argument #1 to '?' (Cannot destroy top space)",
-            "false\tbad argument #2 to '?' (boolean expected, got nil)",
-            "false\tbad argument #2 to '?' (number expected, got string)",
-            "nil\t0\ttrue\ttrue",
-            "Box\ttrue\tnil\tnil\ttrue",
-            "false\tScripts/Objects.lua:20: GameObject has no member or child called Foo",
-            "false\tScripts/Objects.lua:21: Tried to assign to a GameObject (Box.Foo)",
-            "false\tScripts/Objects.lua:22: bad argument #3 to '__newindex' (string expected, got table)",
-            "5\ttrue",
-            "true\tfalse\tnil",
-            "false\tTried to check a non-existant component Spirte",
-            "false\tTried to get a non-existant component 7",
-            "false\tObject already has component Script!",
-            "false\tObject does not have component Sprite!",
-            "false\tTried to add a non-existant component Nothing",
-            "true\ttrue",
-            "false\tnil",
-            "Script,Transform\tnil",
-            "true\ttrue\tfalse",
-            "false\tScripts/Objects.lua:46: bad argument #2 to '__eq' (Transform expected, got GameObject)",
-            "nil\t0\tDoomed",
-            "false\tScripts/Objects.lua:52: Attempt to index a nil value: Space has no member \"Doomed\"",
-            "false\tScripts/Objects.lua:54: bad argument #1 to '__index' (GameObject or space is null)",
-            "function",
-            "false\tbad argument #1 to '?' (GameObject or space is null)",
-            "A,D,C\t1\ttrue",
-            "C.txt,Sub,a.txt,b.txt",
-            "C.txt,a.txt,b.txt",
-        }));
-    EXPECT_EQ(result.errors, "");
-}
-
-TEST(ScriptApi, TransformsPlaceChildrenInTheWorldAndGuardTheirParentLinks)
-{
-    const RunResult result = RunScripts("transforms");
-    EXPECT_EQ(result.exitCode, 0) << result.errors;
-    EXPECT_EQ(PrintedLines(result.output),
-              (std::vector<std::string>{
-                  "Comet,Planet\ttrue\ttrue\tnil",
-                  "10.0000 2.0000 0",
-                  "10.0000 3.0000 0",
-                  "1.5708\t0.0000",
-                  "-2.0000 10.0000 0",
-                  "10.0000 0.0000 0",
-                  "0.7168",
-                  "-0.7168",
-                  "1.0000 2.0000 5",
-                  "3.0000 4.0000 5\t5",
-                  "false\tbad argument #4 to '?' (number expected, got nil)",
-                  "false\tbad argument #2 to '?' (number has no integer representation)",
-                  "2.0000 3.0000\tPosition,Rotation,Scale\ttrue",
-                  "false\tbad argument #2 to '?' (Cannot set a transform's parent to a descendant)",
-                  "false\tbad argument #2 to '?' (Cannot set a transform's parent to a descendant)",
-                  "false\tbad argument #2 to '?' (Transform, GameObject, or nil expected)",
-                  "false\tbad argument #2 to '?' (Parent transform must have same space)",
-                  "false\tbad argument #2 to '?' (Parent GameObject transform must have same space)",
-                  "false\tbad argument #2 to '?' (Parent GameObject does not have a transform)",
-                  "false\tbad argument #2 to '?' (Parent GameObject does not have a transform)",
-                  "true",
-                  "3\ttrue\ttrue",
-                  "2\tnil\tnil",
-                  "1\t10.0000 2.0000 0",
-                  "false\tbad argument #2 to '?' (Parent transform is null)",
-                  "false\tTransform component is null",
-              }));
-    EXPECT_EQ(result.errors, "");
+    const std::pair<const char*, std::vector<std::string>> rows[] = {
+        {"objects",
+         {
+             "function\tSpace\tBox",
+             "0\t2\t4",
+             "false\tScripts/Objects.lua:9: Attempt to index a nil value: Space has no member \"Nothing\"",
+             "false\tScripts/Objects.lua:10: bad argument #2 to '__index' (string expected, got table)",
+             "false\tScripts/Objects.lua:11: attempt to index a Space value (global 'Space')",
+             "false\tbad argument #1 to '?' (Cannot destroy top space)",
+             "false\tbad argument #2 to '?' (boolean expected, got nil)",
+             "false\tbad argument #2 to '?' (number expected, got string)",
+             "nil\t0\ttrue\ttrue",
+             "Box\ttrue\tnil\tnil\ttrue",
+             "false\tScripts/Objects.lua:20: GameObject has no member or child called Foo",
+             "false\tScripts/Objects.lua:21: Tried to assign to a GameObject (Box.Foo)",
+             "false\tScripts/Objects.lua:22: bad argument #3 to '__newindex' (string expected, got table)",
+             "5\ttrue",
+             "true\tfalse\tnil",
+             "false\tTried to check a non-existant component Spirte",
+             "false\tTried to get a non-existant component 7",
+             "false\tObject already has component Script!",
+             "false\tObject does not have component Sprite!",
+             "false\tTried to add a non-existant component Nothing",
+             "true\ttrue",
+             "false\tnil",
+             "Script,Transform\tnil",
+             "true\ttrue\tfalse",
+             "false\tScripts/Objects.lua:46: bad argument #2 to '__eq' (Transform expected, got GameObject)",
+             "nil\t0\tDoomed",
+             "false\tScripts/Objects.lua:52: Attempt to index a nil value: Space has no member \"Doomed\"",
+             "false\tScripts/Objects.lua:54: bad argument #1 to '__index' (GameObject or space is null)",
+             "function",
+             "false\tbad argument #1 to '?' (GameObject or space is null)",
+             "A,D,C\t1\ttrue",
+             "C.txt,Sub,a.txt,b.txt",
+             "C.txt,a.txt,b.txt",
+         }},
+        {"transforms",
+         {
+             "Comet,Planet\ttrue\ttrue\tnil",
+             "10.0000 2.0000 0",
+             "10.0000 3.0000 0",
+             "1.5708\t0.0000",
+             "-2.0000 10.0000 0",
+             "10.0000 0.0000 0",
+             "0.7168",
+             "-0.7168",
+             "1.0000 2.0000 5",
+             "3.0000 4.0000 5\t5",
+             "false\tbad argument #4 to '?' (number expected, got nil)",
+             "false\tbad argument #2 to '?' (number has no integer representation)",
+             "2.0000 3.0000\tPosition,Rotation,Scale\ttrue",
+             "false\tbad argument #2 to '?' (Cannot set a transform's parent to a descendant)",
+             "false\tbad argument #2 to '?' (Cannot set a transform's parent to a descendant)",
+             "false\tbad argument #2 to '?' (Transform, GameObject, or nil expected)",
+             "false\tbad argument #2 to '?' (Parent transform must have same space)",
+             "false\tbad argument #2 to '?' (Parent GameObject transform must have same space)",
+             "false\tbad argument #2 to '?' (Parent GameObject does not have a transform)",
+             "false\tbad argument #2 to '?' (Parent GameObject does not have a transform)",
+             "true",
+             "3\ttrue\ttrue",
+             "2\tnil\tnil",
+             "1\t10.0000 2.0000 0",
+             "false\tbad argument #2 to '?' (Parent transform is null)",
+             "false\tTransform component is null",
+         }},
+    };
+    for (const auto& [folder, printed] : rows)
+    {
+        const RunResult result = RunScripts(folder);
+        EXPECT_EQ(result.exitCode, 0) << folder << result.errors;
+        EXPECT_EQ(PrintedLines(result.output), printed) << folder;
+        EXPECT_EQ(result.errors, "") << folder;
+    }
 }
 
 TEST(ScriptApi, ArchetypesInEveryFormAndEveryRefusal)

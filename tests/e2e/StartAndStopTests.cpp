@@ -1,4 +1,5 @@
-// The executable's start and end: help, command line warnings, signals and raises.
+// The executable's start and end: help, command line warnings, the Data folder, signals, and the Fatal
+// line of each way a start or a frame can fail.
 
 #include "Harness.h"
 
@@ -46,54 +47,26 @@ TEST(StartAndStop, HelpPrintsTheTextAndEndsWhateverCameBefore)
     }
 }
 
-TEST(StartAndStop, UnrecognisedOptionsWarnAndTheRunGoesOn)
+// Unknown options only warn, and an empty Data folder fails its start level once, not at every frame: the
+// signal comes only after many frames have run. Log lines are plain text when piped.
+TEST(StartAndStop, UnrecognisedOptionsAndAMissingStartLevelLetTheRunGoOn)
 {
-    RunOptions options = UntilFirstFrame({"-foo", "bar", "--WIDTH", "800", "", "/x"});
+    RunOptions options =
+        UntilFirstFrame({"-foo", "bar", "--WIDTH", "800", "", "/x", "-level", "Levels/Start.lvl"});
+    options.signalDelaySeconds = 0.5;
     const RunResult result = RunEngine(options);
     EXPECT_EQ(result.exitCode, 0) << result.errors;
     EXPECT_EQ(LogMessages(result.output, "Command Line", "Warning"),
               (std::vector<std::string>{
                   "Unrecognised command line option: foo", "Unrecognised command line option: bar",
                   "Unrecognised command line option: ", "Unrecognised command line option: x"}));
-    // The empty Data folder has no start level; the run goes on regardless.
-    EXPECT_EQ(SplitLines(result.errors).size(), LogMessages(result.errors, "Space", "Error").size())
-        << result.errors;
-}
-
-TEST(StartAndStop, QuitSignalsEndTheRunInOrderInBothThreadModes)
-{
-    for (const char* threaded : {"y", "n"})
-    {
-        for (const int signal : {SIGTERM, SIGINT})
-        {
-            RunOptions options = UntilFirstFrame({"-multithreaded", threaded});
-            options.signal = signal;
-            const RunResult result = RunEngine(options);
-            EXPECT_EQ(result.exitCode, 0) << threaded << " " << signal << result.errors;
-            EXPECT_FALSE(result.timedOut);
-            const std::vector<std::string> lines = SplitLines(result.output);
-            ASSERT_GE(lines.size(), 4u);
-            EXPECT_NE(lines[0].find("[Game] [Debug]: Starting Game..."), std::string::npos);
-            EXPECT_NE(lines[1].find("[Graphics] [Debug]: Started GL function Grab"), std::string::npos);
-            EXPECT_NE(lines[2].find(kFirstFrameLine), std::string::npos);
-            EXPECT_NE(lines[lines.size() - 2].find("[Space] [Debug]: Deleting top space"), std::string::npos);
-            EXPECT_NE(lines.back().find("[Graphics] [Info]: Graphics is cleaning up"), std::string::npos);
-        }
-    }
-}
-
-TEST(StartAndStop, AReaderThatWentAwayDoesNotKillTheRun)
-{
-    RunOptions options = UntilFirstFrame({});
-    options.closeOutputAfterSignal = true;
-    const RunResult result = RunEngine(options);
-    EXPECT_EQ(result.terminatingSignal, 0);
-    EXPECT_EQ(result.exitCode, 0) << result.errors;
-}
-
-TEST(StartAndStop, LogLinesArePlainTextWhenPiped)
-{
-    const RunResult result = RunEngine(UntilFirstFrame({"-bogus"}));
+    EXPECT_EQ(SplitLines(result.errors).size(), 2u) << result.errors;
+    EXPECT_EQ(
+        LogMessages(result.errors, "Space", "Error"),
+        (std::vector<std::string>{"Failed to load archetype/level file \"Levels/Start.lvl\": cannot open "
+                                  "Levels/Start.lvl: No such file or directory",
+                                  "Failed to load level: Levels/Start.lvl"}));
+    EXPECT_NE(result.output.find("[Space] [Debug]: Deleting top space"), std::string::npos);
     EXPECT_EQ(result.output.find('\033'), std::string::npos);
     for (const std::string& line : SplitLines(result.output))
     {
@@ -101,32 +74,108 @@ TEST(StartAndStop, LogLinesArePlainTextWhenPiped)
     }
 }
 
-TEST(StartAndStop, ASystemThatFailsToStartEndsTheProcessWithTheFatalLine)
+// Quit signals end the run in order in both thread modes, and a reader that went away doesn't kill it.
+TEST(StartAndStop, QuitSignalsEndTheRunInOrder)
 {
-    RunOptions options;
-    options.executable = QUELLMAR_TEST_DRIVER;
-    options.arguments = {"init-fails"};
-    const RunResult result = RunEngine(options);
-    EXPECT_EQ(result.exitCode, 3);
-    const std::vector<std::string> fatal = LogMessages(result.errors, "Game", "Fatal");
-    ASSERT_EQ(fatal.size(), 1u) << result.errors;
-    EXPECT_EQ(fatal[0], "Exception: Failed to initialise system Failing");
-    EXPECT_NE(result.errors.find("\nat: "), std::string::npos);
+    struct Row
+    {
+        const char* threaded;
+        int signal;
+        bool closeOutput;
+    };
+    for (const Row row : {Row{"y", SIGTERM, false}, Row{"y", SIGINT, false}, Row{"n", SIGTERM, false},
+                          Row{"n", SIGINT, false}, Row{"y", SIGTERM, true}})
+    {
+        SCOPED_TRACE(std::string(row.threaded) + " " + std::to_string(row.signal) + " " +
+                     std::to_string(row.closeOutput));
+        RunOptions options = UntilFirstFrame({"-multithreaded", row.threaded});
+        options.signal = row.signal;
+        options.closeOutputAfterSignal = row.closeOutput;
+        const RunResult result = RunEngine(options);
+        EXPECT_EQ(result.terminatingSignal, 0);
+        EXPECT_EQ(result.exitCode, 0) << result.errors;
+        EXPECT_FALSE(result.timedOut);
+        if (row.closeOutput)
+        {
+            continue;
+        }
+        const std::vector<std::string> lines = SplitLines(result.output);
+        ASSERT_GE(lines.size(), 4u);
+        EXPECT_NE(lines[0].find("[Game] [Debug]: Starting Game..."), std::string::npos);
+        EXPECT_NE(lines[1].find("[Graphics] [Debug]: Started GL function Grab"), std::string::npos);
+        EXPECT_NE(lines[2].find(kFirstFrameLine), std::string::npos);
+        EXPECT_NE(lines[lines.size() - 2].find("[Space] [Debug]: Deleting top space"), std::string::npos);
+        EXPECT_NE(lines.back().find("[Graphics] [Info]: Graphics is cleaning up"), std::string::npos);
+    }
 }
 
-TEST(StartAndStop, ARaiseOnTheGameThreadEndsTheProcessAtOnce)
+// Each ends the process at once with exit code 3 and one Fatal line; a message ending in '*' is a prefix.
+TEST(StartAndStop, AFailedStartOrARaiseEndsTheProcessWithItsFatalLine)
 {
-    RunOptions options;
-    options.executable = QUELLMAR_TEST_DRIVER;
-    options.arguments = {"update-raises"};
-    options.timeLimitSeconds = 10;
-    const RunResult result = RunEngine(options);
-    EXPECT_FALSE(result.timedOut);
-    EXPECT_EQ(result.exitCode, 3);
-    EXPECT_EQ(LogMessages(result.errors, "Failing", "Fatal"),
-              std::vector<std::string>{"Exception: Update failed on purpose"});
-    EXPECT_EQ(result.output.find("must not"), std::string::npos) << result.output;
-    EXPECT_EQ(result.output.find("Deleting top space"), std::string::npos);
+    struct Row
+    {
+        const char* name;
+        std::string executable;
+        const char* argument;
+        const char* dataFolder;
+        const char* environment;
+        std::string category;
+        std::string message;
+    };
+    const Row rows[] = {
+        {"no Data folder", QUELLMAR_EXECUTABLE, "", "", "", "AssetManager",
+         "Exception: Failed to change working directory: (2)"},
+        {"Data is a file", QUELLMAR_EXECUTABLE, "", "", "", "AssetManager",
+         "Exception: Failed to change working directory: (20)"},
+        {"a system fails to start", QUELLMAR_TEST_DRIVER, "init-fails", "", "", "Game",
+         "Exception: Failed to initialise system Failing"},
+        {"a raise on the game thread", QUELLMAR_TEST_DRIVER, "update-raises", "", "", "Failing",
+         "Exception: Update failed on purpose"},
+        {"no video driver", QUELLMAR_EXECUTABLE, "", "input", "SDL_VIDEODRIVER=nonesuch", "Window",
+         "Exception: Failed to register window class: (*"},
+        {"no GL entry point", QUELLMAR_EXECUTABLE, "", "input", "MESA_GL_VERSION_OVERRIDE=2.1", "Graphics",
+         "Exception: Failed to find address of glBindFragDataLocation. Error code: 0*"},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.name);
+        RunDirectory directory;
+        if (row.name == std::string("Data is a file"))
+        {
+            directory.Write("Data", "not a folder");
+        }
+        RunOptions options;
+        options.executable = row.executable;
+        options.directory = directory.path;
+        options.dataFolder = row.dataFolder;
+        for (const auto& [value, into] :
+             {std::pair{row.argument, &options.arguments}, {row.environment, &options.environment}})
+        {
+            if (*value != '\0')
+            {
+                into->push_back(value);
+            }
+        }
+        options.timeLimitSeconds = 10;
+        const RunResult result = RunEngine(options);
+        EXPECT_FALSE(result.timedOut);
+        EXPECT_EQ(result.exitCode, 3);
+        const std::vector<std::string> fatal = LogMessages(result.errors, row.category, "Fatal");
+        ASSERT_EQ(fatal.size(), 1u) << result.errors;
+        if (row.message.ends_with('*'))
+        {
+            EXPECT_TRUE(fatal[0].starts_with(row.message.substr(0, row.message.size() - 1))) << fatal[0];
+        }
+        else
+        {
+            EXPECT_EQ(fatal[0], row.message);
+        }
+        EXPECT_NE(result.errors.find("\nat: "), std::string::npos)
+            << "the Fatal line names where it was raised";
+        EXPECT_EQ(result.output.find("must not"), std::string::npos) << result.output;
+        EXPECT_EQ(result.output.find("Deleting top space"), std::string::npos);
+        EXPECT_EQ(result.output.find("Finished GL function Grab"), std::string::npos);
+    }
 }
 
 } // namespace
