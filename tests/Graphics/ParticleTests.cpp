@@ -23,12 +23,35 @@ float Draw(float a, float b)
     return static_cast<float>(Core::Rand()) / 32767.0f * (b - a) + a;
 }
 
-// One particle of life `life` and alpha 0.8 at the first update, at rest at the system's position.
-void OneParticle(ParticleSystem& system, float life, float scale = 1.0f)
+void Add(ParticleSystem& system, std::unique_ptr<Updaters::ParticleUpdater> updater)
 {
-    system.emitter = std::make_unique<Emitters::EmitOnce>(1, system.maxParticles);
-    system.initializers.push_back(std::make_unique<Initializers::BasicInitializer>(
-        Vec2{}, Colour{1.0f, 1.0f, 1.0f, 0.8f}, life, 0.0f, scale));
+    system.updaters.push_back(std::move(updater));
+}
+
+void Add(ParticleSystem& system, std::unique_ptr<Terminators::ParticleTerminator> terminator)
+{
+    system.terminator = std::move(terminator);
+}
+
+// A policy made anew for each system.
+template <typename Policy, typename... Arguments>
+auto Make(Arguments... arguments)
+{
+    return [=] { return std::make_unique<Policy>(arguments...); };
+}
+
+// One particle of life `life`, scale 1 and alpha 0.8 at the first update, at rest at the system's
+// position, run by the policies given.
+template <typename... Factories>
+std::function<void(ParticleSystem&)> OneParticle(float life, Factories... factories)
+{
+    return [=](ParticleSystem& system)
+    {
+        system.emitter = std::make_unique<Emitters::EmitOnce>(1, system.maxParticles);
+        system.initializers.push_back(std::make_unique<Initializers::BasicInitializer>(
+            Vec2{}, Colour{1.0f, 1.0f, 1.0f, 0.8f}, life, 0.0f, 1.0f));
+        (Add(system, factories()), ...);
+    };
 }
 
 struct PolicyRow
@@ -68,19 +91,11 @@ const std::vector<PolicyRow> kPolicyRows = {
      {},
      [](const ParticleSystem& s, const ParticlePool&) { EXPECT_EQ(s.liveCount, 1000u); }},
     {"fade in: half way at half the time",
-     [](ParticleSystem& s)
-     {
-         OneParticle(s, 10.0f);
-         s.updaters.push_back(std::make_unique<Updaters::FadeInUpdater>(2.0f));
-     },
+     OneParticle(10.0f, Make<Updaters::FadeInUpdater>(2.0f)),
      {1.0f},
      [](const ParticleSystem&, const ParticlePool& p) { EXPECT_FLOAT_EQ(p.colour[0].a, 0.4f); }},
     {"fade out a quarter into its time",
-     [](ParticleSystem& s)
-     {
-         OneParticle(s, 1.0f);
-         s.terminator = std::make_unique<Terminators::FadeOut>(1.0f);
-     },
+     OneParticle(1.0f, Make<Terminators::FadeOut>(1.0f)),
      {1.25f},
      [](const ParticleSystem& s, const ParticlePool& p)
      {
@@ -88,27 +103,15 @@ const std::vector<PolicyRow> kPolicyRows = {
          EXPECT_FLOAT_EQ(p.colour[0].a, 0.6f);
      }},
     {"fade out at its end still draws",
-     [](ParticleSystem& s)
-     {
-         OneParticle(s, 1.0f);
-         s.terminator = std::make_unique<Terminators::FadeOut>(1.0f);
-     },
+     OneParticle(1.0f, Make<Terminators::FadeOut>(1.0f)),
      {1.0f, 1.0f},
      [](const ParticleSystem& s, const ParticlePool&) { EXPECT_EQ(s.liveCount, 1u); }},
     {"fade out past its end removes",
-     [](ParticleSystem& s)
-     {
-         OneParticle(s, 1.0f);
-         s.terminator = std::make_unique<Terminators::FadeOut>(1.0f);
-     },
+     OneParticle(1.0f, Make<Terminators::FadeOut>(1.0f)),
      {1.0f, 1.01f},
      [](const ParticleSystem& s, const ParticlePool&) { EXPECT_EQ(s.liveCount, 0u); }},
     {"a basic terminator removes at life 0",
-     [](ParticleSystem& s)
-     {
-         OneParticle(s, 0.5f);
-         s.terminator = std::make_unique<Terminators::BasicTerminator>();
-     },
+     OneParticle(0.5f, Make<Terminators::BasicTerminator>()),
      {0.25f, 0.25f},
      [](const ParticleSystem& s, const ParticlePool&) { EXPECT_EQ(s.liveCount, 0u); }},
     {"without a terminator the dead freeze and stay",
@@ -126,12 +129,7 @@ const std::vector<PolicyRow> kPolicyRows = {
          EXPECT_EQ(p.position[0].y, 0.25f) << "life 0 is dying: the second step moved nothing";
      }},
     {"hue: red at death",
-     [](ParticleSystem& s)
-     {
-         OneParticle(s, 0.5f);
-         s.updaters.push_back(std::make_unique<Updaters::HueUpdater>());
-         s.terminator = std::make_unique<Terminators::FadeOut>(1.0f);
-     },
+     OneParticle(0.5f, Make<Updaters::HueUpdater>(), Make<Terminators::FadeOut>(1.0f)),
      {0.5f},
      [](const ParticleSystem&, const ParticlePool& p)
      {
@@ -139,12 +137,7 @@ const std::vector<PolicyRow> kPolicyRows = {
                    (std::vector<float>{1, 0, 0}));
      }},
     {"hue: magenta before death, orange after",
-     [](ParticleSystem& s)
-     {
-         OneParticle(s, 1.5f);
-         s.updaters.push_back(std::make_unique<Updaters::HueUpdater>());
-         s.terminator = std::make_unique<Terminators::FadeOut>(1.0f);
-     },
+     OneParticle(1.5f, Make<Updaters::HueUpdater>(), Make<Terminators::FadeOut>(1.0f)),
      {0.5f},
      [](const ParticleSystem&, const ParticlePool& p)
      {
@@ -155,12 +148,7 @@ const std::vector<PolicyRow> kPolicyRows = {
          EXPECT_EQ(p.colour[0].a, 0.8f) << "alpha stays";
      }},
     {"hue after death turns the other way",
-     [](ParticleSystem& s)
-     {
-         OneParticle(s, 0.5f);
-         s.updaters.push_back(std::make_unique<Updaters::HueUpdater>());
-         s.terminator = std::make_unique<Terminators::FadeOut>(1e9f);
-     },
+     OneParticle(0.5f, Make<Updaters::HueUpdater>(), Make<Terminators::FadeOut>(1e9f)),
      {1.0f, 1e9f},
      [](const ParticleSystem& s, const ParticlePool& p)
      {
@@ -168,27 +156,21 @@ const std::vector<PolicyRow> kPolicyRows = {
          EXPECT_TRUE(p.colour[0].r >= 0.0f && p.colour[0].r <= 1.0f) << "a life of -1e9 ends in one turn";
      }},
     {"vortex pulls by the inverse square",
-     [](ParticleSystem& s)
-     {
-         OneParticle(s, 10.0f);
-         s.updaters.push_back(std::make_unique<Updaters::VortexUpdater>(Vec2{2.0f, 0.0f}, 1.0f));
-     },
+     OneParticle(10.0f, Make<Updaters::VortexUpdater>(Vec2{2.0f, 0.0f}, 1.0f)),
      {0.5f},
      [](const ParticleSystem&, const ParticlePool& p) { EXPECT_EQ(p.velocity[0].x, 0.25f); }},
     {"a particle on the vortex centre gets NaN",
-     [](ParticleSystem& s)
-     {
-         OneParticle(s, 10.0f);
-         s.updaters.push_back(std::make_unique<Updaters::VortexUpdater>(Vec2{}, 1.0f));
-     },
+     OneParticle(10.0f, Make<Updaters::VortexUpdater>(Vec2{}, 1.0f)),
      {0.5f},
      [](const ParticleSystem&, const ParticlePool& p) { EXPECT_TRUE(std::isnan(p.velocity[0].x)); }},
     {"scale: the basic start scale leaves out the system's",
      [](ParticleSystem& s)
      {
          s.scale = 2.0f;
-         OneParticle(s, 10.0f, 3.0f);
-         s.updaters.push_back(std::make_unique<Updaters::ScaleInUpdater>(0.5f));
+         s.emitter = std::make_unique<Emitters::EmitOnce>(1, s.maxParticles);
+         s.initializers.push_back(
+             std::make_unique<Initializers::BasicInitializer>(Vec2{}, Colour{}, 10.0f, 0.0f, 3.0f));
+         Add(s, std::make_unique<Updaters::ScaleInUpdater>(0.5f));
      },
      {1.0f},
      [](const ParticleSystem&, const ParticlePool& p)
@@ -400,22 +382,18 @@ void UpdateParticleByParticle(ParticleSystem& s, float dt)
     }
 }
 
-template <typename T>
-bool SameColumn(const T* a, const T* b, uint32_t count)
-{
-    return std::memcmp(a, b, sizeof(T) * count) == 0;
-}
-
 bool SameLiveParticles(const ParticleSystem& a, const ParticleSystem& b)
 {
-    const ParticlePool& p = a.particles;
-    const ParticlePool& q = b.particles;
     const uint32_t n = a.liveCount;
-    return a.liveCount == b.liveCount && SameColumn(p.position, q.position, n) &&
-           SameColumn(p.velocity, q.velocity, n) && SameColumn(p.colour, q.colour, n) &&
-           SameColumn(p.startAlpha, q.startAlpha, n) && SameColumn(p.startScale, q.startScale, n) &&
-           SameColumn(p.life, q.life, n) && SameColumn(p.startLife, q.startLife, n) &&
-           SameColumn(p.rotation, q.rotation, n) && SameColumn(p.scale, q.scale, n);
+    const auto same = [&](auto column)
+    {
+        const auto* p = a.particles.*column;
+        return std::memcmp(p, b.particles.*column, sizeof(*p) * n) == 0;
+    };
+    return n == b.liveCount && same(&ParticlePool::position) && same(&ParticlePool::velocity) &&
+           same(&ParticlePool::colour) && same(&ParticlePool::startAlpha) &&
+           same(&ParticlePool::startScale) && same(&ParticlePool::life) && same(&ParticlePool::startLife) &&
+           same(&ParticlePool::rotation) && same(&ParticlePool::scale);
 }
 
 TEST(ParticleSystems, TheBatchedUpdateMatchesAParticleByParticleLoopBitForBit)
