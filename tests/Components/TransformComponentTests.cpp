@@ -89,34 +89,29 @@ TEST_F(Transforms, WorldValuesTurnByTheParentAndRoundTripAtDepth)
     }
 }
 
-// Reparenting keeps the world place unless told to keep local values; child lists take newcomers at the
-// front and lose leavers anywhere, also when the component is removed.
-TEST_F(Transforms, ReparentingKeepsTheWorldPlaceAndChildListsStayLinked)
+// Leavers are unlinked anywhere in their parent's list, also when the component is removed; clearing the
+// parent with local values kept leaves them as they were; reparenting otherwise keeps the world place.
+TEST_F(Transforms, LeaversAreUnlinkedAnywhereInTheChildList)
 {
-    const GameObjectHandle first = NewObject({5, 5}, 0.5f);
-    const GameObjectHandle second = NewObject({-4, 2}, -1.0f);
-    const GameObjectHandle mover = NewObject({1, 2}, 0.1f);
-    Of(mover).SetParent(HandleOf(first), false);
-    ExpectNear(Of(mover).GetWorldPosition(), {1, 2});
-    EXPECT_NEAR(Of(mover).GetWorldRotation(), 0.1f, 1e-5f);
-    Of(mover).SetParent(HandleOf(second), false);
-    ExpectNear(Of(mover).GetWorldPosition(), {1, 2});
-    EXPECT_TRUE(Children(first).empty());
-
-    std::vector<GameObjectHandle> kids = {mover};
-    for (int index = 0; index < 3; ++index)
+    const GameObjectHandle parent = NewObject({5, 5}, 0.5f);
+    std::vector<GameObjectHandle> kids;
+    for (int index = 0; index < 4; ++index)
     {
-        kids.push_back(NewObject());
-        Of(kids.back()).SetParent(HandleOf(second), true);
+        kids.push_back(NewObject({1, 2}));
+        Of(kids.back()).SetParent(HandleOf(parent), true);
     }
-    EXPECT_EQ(Children(second), (std::vector<Handle>{HandleOf(kids[3]), HandleOf(kids[2]), HandleOf(kids[1]),
-                                                     HandleOf(mover)}));
-    const Vec2 local = Of(kids[2]).position;
+    EXPECT_EQ(Children(parent), (std::vector<Handle>{HandleOf(kids[3]), HandleOf(kids[2]), HandleOf(kids[1]),
+                                                     HandleOf(kids[0])}));
     Of(kids[2]).ClearParent(true);
-    EXPECT_EQ(Of(kids[2]).position, local);
+    EXPECT_EQ(Of(kids[2]).position, (Vec2{1, 2}));
     EXPECT_TRUE(Of(kids[2]).parent.IsNull() && Of(kids[2]).nextSibling.IsNull());
-    mover.Get().RemoveComponent(Components::Transform);
-    EXPECT_EQ(Children(second), (std::vector<Handle>{HandleOf(kids[3]), HandleOf(kids[1])}));
+    kids[0].Get().RemoveComponent(Components::Transform);
+    EXPECT_EQ(Children(parent), (std::vector<Handle>{HandleOf(kids[3]), HandleOf(kids[1])}));
+
+    const GameObjectHandle mover = NewObject({1, 2}, 0.1f);
+    Of(mover).SetParent(HandleOf(parent), false);
+    ExpectNear(Of(mover).GetWorldPosition(), {1, 2});
+    EXPECT_NEAR(Of(mover).GetWorldRotation(), 0.1f, 1e-5f) << "reparenting keeps the world place";
 }
 
 TEST_F(Transforms, BrokenTreesAndBadParentsRaise)

@@ -34,7 +34,7 @@ public:
     bool Initialise(Core::Window*) override
     {
         journal.push_back(std::string(name) + " Initialise");
-        return true;
+        return !refuse;
     }
     void Update(Core::Game& game, Space& space, double dt, double spaceTime, double absoluteTime) override
     {
@@ -68,6 +68,7 @@ public:
     const char* name;
     std::vector<std::string>& journal;
     uint64_t framesToRun = 3;
+    bool refuse = false;
     std::function<void(Core::Game&, Space&)> onUpdate;
     std::vector<UpdateCall> calls;
 };
@@ -217,21 +218,11 @@ TEST_F(GameLoop, APausedGameSleepsBetweenFramesButKeepsUpdating)
               (std::vector<std::string>{"pausing game", "Unpausing game"}));
 }
 
-class RefusingSystem final : public Core::System
-{
-public:
-    const char* Name() const override { return "Refuser"; }
-    bool Initialise(Core::Window*) override { return false; }
-    void Update(Core::Game&, Space&, double, double, double) override {}
-    void RegisterScriptTypes(Lua::LuaSystem&) override {}
-    void ObjectsDestroyed(Core::Game&, Space&) override {}
-    void Shutdown() override {}
-};
-
 TEST_F(GameLoop, StartFailuresAndASecondRunRaise)
 {
     LogCapture capture;
-    RefusingSystem refuser;
+    RecordingSystem refuser{"Refuser", journal};
+    refuser.refuse = true;
     EXPECT_THROW(game.AddSystem(refuser, nullptr), Debug::Exception);
     EXPECT_TRUE(game.systems.empty());
     game.running = true;
