@@ -9,8 +9,6 @@
 namespace
 {
 
-using Components::TransformComponent;
-
 class GameObjects : public testing::Test
 {
 protected:
@@ -25,14 +23,10 @@ protected:
         object.AddComponent(Components::Transform);
         if (parent.space != nullptr)
         {
-            Transform(handle).SetParent(parent.Get().GetTransform(), true);
+            space.transforms.components.at(object.GetTransform())
+                .SetParent(parent.Get().GetTransform(), true);
         }
         return handle;
-    }
-
-    TransformComponent& Transform(GameObjectHandle handle)
-    {
-        return space.transforms.components.at(handle.Get().GetTransform());
     }
 
     std::vector<std::string> DestroyListNames()

@@ -153,44 +153,29 @@ TEST_F(Transforms, BrokenTreesAndBadParentsRaise)
 class TransformModel : public Transforms
 {
 protected:
+    // Each living child is listed once, under its own parent; no list holds a dangling or flagged link; no
+    // parent chain has a cycle.
     void CheckTree()
     {
-        std::map<uint64_t, int> listed;
+        std::map<uint64_t, uint64_t> listedUnder;
         for (const TransformComponent& transform : space.transforms.components)
         {
-            if (transform.destroyed)
-            {
-                continue;
-            }
-            for (Handle child = transform.firstChild; !child.IsNull();)
+            for (Handle child = transform.firstChild; !transform.destroyed && !child.IsNull();)
             {
                 const TransformComponent* found = space.transforms.components.Find(child);
-                ASSERT_NE(found, nullptr) << "dangling sibling link";
-                ASSERT_FALSE(found->destroyed) << "a flagged transform in a living list";
-                ++listed[child.Value()];
+                ASSERT_TRUE(found != nullptr && !found->destroyed) << "dangling or flagged link";
+                ASSERT_TRUE(listedUnder.emplace(child.Value(), HandleOf(transform.owner).Value()).second);
                 child = found->nextSibling;
             }
         }
         for (const GameObjectHandle handle : live)
         {
             const TransformComponent& transform = Of(handle);
-            const uint64_t own = HandleOf(handle).Value();
-            if (transform.parent.IsNull())
-            {
-                ASSERT_TRUE(transform.nextSibling.IsNull());
-                ASSERT_EQ(listed.count(own), 0u);
-                continue;
-            }
-            ASSERT_EQ(listed[own], 1) << "each child once in its parent's list";
-            const TransformComponent& parent = space.transforms.components.at(transform.parent);
-            bool found = false;
-            for (Handle child = parent.firstChild; !child.IsNull();
-                 child = space.transforms.components.at(child).nextSibling)
-            {
-                found = found || child.Value() == own;
-            }
-            ASSERT_TRUE(found) << "listed under its own parent";
-            std::set<uint64_t> seen = {own};
+            const auto listed = listedUnder.find(HandleOf(handle).Value());
+            ASSERT_EQ(listed == listedUnder.end() ? Handle{}.Value() : listed->second,
+                      transform.parent.Value());
+            ASSERT_TRUE(!transform.parent.IsNull() || transform.nextSibling.IsNull());
+            std::set<uint64_t> seen = {HandleOf(handle).Value()};
             for (Handle up = transform.parent; !up.IsNull(); up = space.transforms.components.at(up).parent)
             {
                 ASSERT_TRUE(seen.insert(up.Value()).second) << "cycle";
