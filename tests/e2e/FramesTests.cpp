@@ -8,14 +8,6 @@
 namespace
 {
 
-// A run ends with the root space's deletion, then graphics shutting down.
-bool EndsWithShutdown(const std::string& output)
-{
-    const std::vector<std::string> lines = SplitLines(output);
-    return lines.size() >= 2 && lines[lines.size() - 2].ends_with("[Space] [Debug]: Deleting top space") &&
-           lines.back().ends_with("[Graphics] [Info]: Graphics is cleaning up");
-}
-
 const std::vector<std::string> kPrinted = {
     "start level runs",
     "child made\t0",

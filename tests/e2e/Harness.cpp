@@ -283,6 +283,13 @@ std::vector<std::string> LogMessages(const std::string& text, const std::string&
     return messages;
 }
 
+bool EndsWithShutdown(const std::string& output)
+{
+    const std::vector<std::string> lines = SplitLines(output);
+    return lines.size() >= 2 && lines[lines.size() - 2].ends_with("[Space] [Debug]: Deleting top space") &&
+           lines.back().ends_with("[Graphics] [Info]: Graphics is cleaning up");
+}
+
 std::string ReadFile(const std::filesystem::path& path)
 {
     std::ifstream file(path, std::ios::binary);

@@ -64,5 +64,8 @@ std::vector<std::string> PrintedLines(const std::string& text);
 std::vector<std::string> LogMessages(const std::string& text, const std::string& category,
                                      const std::string& level);
 
+// Whether the run ended in order: the root space's deletion, then graphics shutting down.
+bool EndsWithShutdown(const std::string& output);
+
 // The whole content of a file; empty if it can't be read.
 std::string ReadFile(const std::filesystem::path& path);

@@ -88,17 +88,6 @@ TEST(HostileInput, SaveFilesThatDoNotLoadGiveTheirWarningAndEmptyData)
     EXPECT_TRUE(fs::is_directory(directory.Save()));
 }
 
-// The first line of each script error, without the traceback.
-std::vector<std::string> ErrorHeads(const RunResult& result)
-{
-    std::vector<std::string> heads;
-    for (const std::string& error : LogMessages(result.errors, "LuaSystem", "Error"))
-    {
-        heads.push_back(error.substr(0, error.find('\n')));
-    }
-    return heads;
-}
-
 // Lua counts arguments of a method call without the handle before the colon.
 TEST(HostileInput, BadCallsOnBodiesCollidersPhysicsAndTheSaveAreLoggedAndTheGameGoesOn)
 {
@@ -113,7 +102,12 @@ TEST(HostileInput, BadCallsOnBodiesCollidersPhysicsAndTheSaveAreLoggedAndTheGame
     ASSERT_EQ(result.exitCode, 0) << result.errors;
     EXPECT_EQ(PrintedLines(result.output), std::vector<std::string>{"went on\ttrue\tnil\tnil\t1"});
     const std::string at = "Lua error in component coroutine: Scripts/Bad.lua:";
-    EXPECT_EQ(ErrorHeads(result),
+    std::vector<std::string> heads; // the first line of each script error, without the traceback
+    for (const std::string& error : LogMessages(result.errors, "LuaSystem", "Error"))
+    {
+        heads.push_back(error.substr(0, error.find('\n')));
+    }
+    EXPECT_EQ(heads,
               (std::vector<std::string>{
                   at + "10: bad argument #1 to 'SetMass' (number expected, got string)",
                   at + "11: bad argument #1 to 'SetVelocity' (RigidBody expected, got Collider)",

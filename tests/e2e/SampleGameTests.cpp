@@ -65,16 +65,6 @@ std::string BestScoreLine(const std::vector<std::string>& lines)
     return found.size() == 1 ? found[0] : "(" + std::to_string(found.size()) + " best score lines)";
 }
 
-size_t CountEndingWith(const std::vector<std::string>& lines, const std::string& suffix)
-{
-    size_t count = 0;
-    for (const std::string& line : lines)
-    {
-        count += line.ends_with(suffix) ? 1 : 0;
-    }
-    return count;
-}
-
 // The number after a prefix in the first line that starts with it; -1 if there is none.
 int NumberAfter(const std::vector<std::string>& lines, const std::string& prefix)
 {
@@ -110,7 +100,8 @@ TEST(SampleGame, PlaysToItsEndAndKeepsTheBestScoreInTheSaveFolder)
     ASSERT_FALSE(printed.empty());
     EXPECT_EQ(printed.front(), "Comet Collector: catch the comets before the time runs out");
     // One comet every 1.5 s of game time; a slow machine's long frames can only lose some.
-    const size_t comets = CountEndingWith(printed, " appears");
+    const auto comets = static_cast<size_t>(std::count_if(
+        printed.begin(), printed.end(), [](const std::string& line) { return line.ends_with(" appears"); }));
     EXPECT_GE(comets, 10u);
     EXPECT_LE(comets, 14u);
     EXPECT_EQ(StartingWith(printed, "Game paused").size(), 1u);

@@ -14,107 +14,76 @@
 namespace
 {
 
-void Push(SDL_Event event)
+// Pushes an event of the type, its fields set by fill, and gives the game a few milliseconds.
+template <typename Fill>
+void Push(uint32_t type, Fill fill)
 {
+    SDL_Event event = {};
+    event.type = type;
+    fill(event);
     SDL_PushEvent(&event);
     std::this_thread::sleep_for(std::chrono::milliseconds(4));
 }
 
-SDL_Event Of(uint32_t type)
+void Push(uint32_t type)
 {
-    SDL_Event event = {};
-    event.type = type;
-    return event;
-}
-
-void Key(uint32_t type, SDL_Keycode keycode)
-{
-    SDL_Event event = Of(type);
-    event.key.keysym.sym = keycode;
-    Push(event);
-}
-
-void Window(uint8_t kind)
-{
-    SDL_Event event = Of(SDL_WINDOWEVENT);
-    event.window.event = kind;
-    Push(event);
-}
-
-void Text(const char* text)
-{
-    SDL_Event event = Of(SDL_TEXTINPUT);
-    std::strncpy(event.text.text, text, sizeof(event.text.text) - 1);
-    Push(event);
-}
-
-void Mouse(uint32_t type, uint8_t button, int32_t x, int32_t y)
-{
-    SDL_Event event = Of(type);
-    event.button.button = button;
-    event.button.x = x;
-    event.button.y = y;
-    Push(event);
-}
-
-void Motion(int32_t x, int32_t y)
-{
-    SDL_Event event = Of(SDL_MOUSEMOTION);
-    event.motion.x = x;
-    event.motion.y = y;
-    Push(event);
-}
-
-void Wheel(int32_t y)
-{
-    SDL_Event event = Of(SDL_MOUSEWHEEL);
-    event.wheel.y = y;
-    Push(event);
-}
-
-void Drop(const std::string& path)
-{
-    Push(Of(SDL_DROPBEGIN));
-    SDL_Event file = Of(SDL_DROPFILE);
-    file.drop.file = SDL_strdup(path.c_str());
-    Push(file);
-    Push(Of(SDL_DROPCOMPLETE));
-}
-
-// The listener leaves a sign file once every handler is connected; events typed before that would be lost.
-// A game that never gets there is ended by the harness's time limit.
-void WaitForTheListener(const std::filesystem::path& sign)
-{
-    while (!std::filesystem::exists(sign))
-    {
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
+    Push(type, [](SDL_Event&) {});
 }
 
 void Type(const std::string& droppedFile, const std::filesystem::path& sign)
 {
-    WaitForTheListener(sign);
-    Key(SDL_KEYDOWN, SDLK_h);
-    Text("h");
-    Key(SDL_KEYUP, SDLK_h);
-    Key(SDL_KEYDOWN, SDLK_LSHIFT);
-    Text("I");
-    Key(SDL_KEYUP, SDLK_LSHIFT);
-    Key(SDL_KEYDOWN, SDLK_RETURN);
-    Key(SDL_KEYUP, SDLK_RETURN);
-    Motion(100, 200);
-    Mouse(SDL_MOUSEBUTTONDOWN, SDL_BUTTON_LEFT, 100, 200);
-    Mouse(SDL_MOUSEBUTTONUP, SDL_BUTTON_LEFT, 101, 201);
-    Mouse(SDL_MOUSEBUTTONDOWN, SDL_BUTTON_RIGHT, 5, 6);
-    Mouse(SDL_MOUSEBUTTONUP, SDL_BUTTON_MIDDLE, 7, 8);
-    Wheel(1);
-    Wheel(-1);
-    Drop(droppedFile);
-    Window(SDL_WINDOWEVENT_FOCUS_LOST);
-    Window(SDL_WINDOWEVENT_FOCUS_GAINED);
-    Key(SDL_KEYDOWN, SDLK_PAUSE);
-    Key(SDL_KEYDOWN, SDLK_z);
-    Window(SDL_WINDOWEVENT_CLOSE);
+    // The listener leaves a sign file once every handler is connected; events typed before that would be
+    // lost. A game that never gets there is ended by the harness's time limit.
+    while (!std::filesystem::exists(sign))
+    {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    const auto key = [](uint32_t type, SDL_Keycode code)
+    { Push(type, [&](SDL_Event& e) { e.key.keysym.sym = code; }); };
+    const auto text = [](const char* typed) {
+        Push(SDL_TEXTINPUT, [&](SDL_Event& e) { std::strncpy(e.text.text, typed, sizeof(e.text.text) - 1); });
+    };
+    const auto mouse = [](uint32_t type, uint8_t button, int32_t x, int32_t y)
+    {
+        Push(type,
+             [&](SDL_Event& e)
+             {
+                 e.button.button = button;
+                 e.button.x = x;
+                 e.button.y = y;
+             });
+    };
+    const auto wheel = [](int32_t y) { Push(SDL_MOUSEWHEEL, [&](SDL_Event& e) { e.wheel.y = y; }); };
+    const auto window = [](uint8_t kind)
+    { Push(SDL_WINDOWEVENT, [&](SDL_Event& e) { e.window.event = kind; }); };
+    key(SDL_KEYDOWN, SDLK_h);
+    text("h");
+    key(SDL_KEYUP, SDLK_h);
+    key(SDL_KEYDOWN, SDLK_LSHIFT);
+    text("I");
+    key(SDL_KEYUP, SDLK_LSHIFT);
+    key(SDL_KEYDOWN, SDLK_RETURN);
+    key(SDL_KEYUP, SDLK_RETURN);
+    Push(SDL_MOUSEMOTION,
+         [](SDL_Event& e)
+         {
+             e.motion.x = 100;
+             e.motion.y = 200;
+         });
+    mouse(SDL_MOUSEBUTTONDOWN, SDL_BUTTON_LEFT, 100, 200);
+    mouse(SDL_MOUSEBUTTONUP, SDL_BUTTON_LEFT, 101, 201);
+    mouse(SDL_MOUSEBUTTONDOWN, SDL_BUTTON_RIGHT, 5, 6);
+    mouse(SDL_MOUSEBUTTONUP, SDL_BUTTON_MIDDLE, 7, 8);
+    wheel(1);
+    wheel(-1);
+    Push(SDL_DROPBEGIN);
+    Push(SDL_DROPFILE, [&](SDL_Event& e) { e.drop.file = SDL_strdup(droppedFile.c_str()); });
+    Push(SDL_DROPCOMPLETE);
+    window(SDL_WINDOWEVENT_FOCUS_LOST);
+    window(SDL_WINDOWEVENT_FOCUS_GAINED);
+    key(SDL_KEYDOWN, SDLK_PAUSE);
+    key(SDL_KEYDOWN, SDLK_z);
+    window(SDL_WINDOWEVENT_CLOSE);
 }
 
 } // namespace
