@@ -96,18 +96,9 @@ TEST_F(LevelLoader, ComponentValuesUnpackArraysAndPassOtherTablesWhole)
     const std::string scaleByTable =
         Run("MainSpace:CreateObject({ Name = 'Q', Transform = { Scale = { x = 1 } } })");
     EXPECT_NE(scaleByTable.find("Failed to initialise member Scale: "), std::string::npos) << scaleByTable;
-    const std::string arrayVariables =
-        Run("MainSpace:CreateObject({ Name = 'R', Script = { Variables = { 1, 2 } } })");
-    EXPECT_NE(arrayVariables.find("Failed to initialise member Variables: "), std::string::npos)
-        << arrayVariables;
-    EXPECT_NE(arrayVariables.find("table expected, got number"), std::string::npos) << arrayVariables;
-    EXPECT_EQ(Run("local o = MainSpace:CreateObject({ Name = 'V', Script = { Variables = { speed = 4 } } })\n"
-                  "assert(o.Script:GetVariables().speed == 4)"),
-              "");
-    EXPECT_EQ(LiveNames(game.rootSpace), (std::vector<std::string>{"P", "S", "V"}));
+    EXPECT_EQ(LiveNames(game.rootSpace), (std::vector<std::string>{"P", "S"}));
     EXPECT_EQ(log.Messages("Space", LogLevel::Error),
-              (std::vector<std::string>{"Failed to initialise component Transform from table",
-                                        "Failed to initialise component Script from table"}));
+              std::vector<std::string>{"Failed to initialise component Transform from table"});
 }
 
 TEST_F(LevelLoader, AFailingEntryRaisesAndKeepsWhatWasMadeBeforeIt)
@@ -120,19 +111,6 @@ TEST_F(LevelLoader, AFailingEntryRaisesAndKeepsWhatWasMadeBeforeIt)
     EXPECT_EQ(LiveNames(game.rootSpace), std::vector<std::string>{"Rock"})
         << "the failed object is destroyed, the later entry never made";
 
-    EXPECT_EQ(Run("local a, b, c = MainSpace:CreateObject({ { 'Rock.arch', 'Rock.arch' }, Override = { Name "
-                  "= 'Big', "
-                  "Oops = 'x' } })\n"
-                  "assert(a.Name == 'Big' and b.Name == 'Big' and c == nil)\n"
-                  "assert(select('#', MainSpace:CreateObject({ {}, { 'Rock.arch', 'Rock.arch' } })) == 3)"),
-              "");
-    EXPECT_EQ(log.Messages("Space", LogLevel::Warning),
-              (std::vector<std::string>{"Applying archetype override to 2 objects",
-                                        "Creating object from archetype: No component \"Oops\" exists",
-                                        "Creating object from archetype: No component \"Oops\" exists",
-                                        "Creating a blank gameobject from CreateFromArchetype"}));
-    EXPECT_EQ(Run("MainSpace:CreateObject({ Name = 'O', Override = {} })"),
-              "Tried to apply an override archetype as an override");
     EXPECT_EQ(lua_gettop(L()), 0);
 }
 
