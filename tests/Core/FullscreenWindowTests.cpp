@@ -49,23 +49,18 @@ TEST(Fullscreen, OpensHiddenGoesOnAndComesBackToTheSavedPlace)
               (std::vector<int>{0, 0, 800, 600}));
 }
 
-TEST(Fullscreen, AWindowOpenedFullscreenStartsFullscreenAndHidden)
+// A window opened fullscreen starts so, hidden; moving it takes the platform window along.
+TEST(Fullscreen, AWindowOpenedFullscreenStartsHiddenAndMovesWhole)
 {
     setenv("SDL_VIDEODRIVER", "offscreen", 0);
     Core::Window window(640, 480, true);
-    EXPECT_TRUE(window.fullscreen);
-    EXPECT_TRUE(PlatformFullscreen(window));
+    EXPECT_TRUE(window.fullscreen && PlatformFullscreen(window));
     EXPECT_NE(SDL_GetWindowFlags(window.handle) & SDL_WINDOW_HIDDEN, 0u);
     EXPECT_EQ(window.savedRect.width, 640);
-}
-
-TEST(Fullscreen, MovingTakesTheWindowAlong)
-{
-    std::unique_ptr<Core::Window> window = OpenOffscreenWindow();
-    SDL_Window* handle = window->handle;
-    Core::Window moved(std::move(*window));
+    SDL_Window* handle = window.handle;
+    const Core::Window moved(std::move(window));
     EXPECT_EQ(moved.handle, handle);
-    EXPECT_EQ(window->handle, nullptr);
+    EXPECT_EQ(window.handle, nullptr);
 }
 
 } // namespace

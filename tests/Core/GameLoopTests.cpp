@@ -161,7 +161,7 @@ TEST_F(GameLoop, SpacesKeepTheirOwnClocksAndFlaggedOnesGoBeforeTheNextUpdate)
 
 // Every space sees one system before any sees the next; leaving the loop destroys every space, then shuts
 // the systems down in reverse order.
-TEST_F(GameLoop, SystemsRunInTurnAndLeavingTheLoopDestroysSpacesThenShutsDown)
+TEST_F(GameLoop, OneFrameRunsSystemsInTurnSweepsBitmapsAndEndsInOrder)
 {
     RecordingSystem second{"Second", journal};
     Space& child = game.rootSpace.CreateChild();
@@ -175,8 +175,18 @@ TEST_F(GameLoop, SystemsRunInTurnAndLeavingTheLoopDestroysSpacesThenShutsDown)
     { order.push_back(&space == &child ? "R child" : "R root"); };
     second.onUpdate = [&](Core::Game&, Space& space)
     { order.push_back(&space == &child ? "S child" : "S root"); };
+    // The first frame's level load sweeps the bitmap cache's expired entries and keeps the live ones.
+    const TempFolder directory;
+    const std::string expired = directory.Write("expired.bmp", MakeBmp(1, 1, {1, 2, 3}));
+    const std::shared_ptr<Graphics::Bitmap> kept =
+        FileSystem::LoadBitmap(directory.Write("live.bmp", MakeBmp(1, 1, {1, 2, 3})));
+    FileSystem::LoadBitmap(expired);
     LogCapture capture;
     Run();
+    EXPECT_EQ(FileSystem::LoadBitmap(directory.PathOf("live.bmp")), kept);
+    FileSystem::LoadBitmap(expired);
+    EXPECT_EQ(capture.Messages("AssetManager", LogLevel::Info),
+              std::vector<std::string>{"Loading bitmap \"" + expired + "\""});
     EXPECT_EQ(order, (std::vector<std::string>{"R child", "R root", "S child", "S root"}));
     EXPECT_EQ(journal, (std::vector<std::string>{"Recorder Initialise", "Second Initialise",
                                                  "Second Shutdown", "Recorder Shutdown"}));
@@ -222,25 +232,6 @@ TEST_F(GameLoop, ASecondRunRaises)
 {
     game.running = true;
     ExpectRaise([&] { game.Run(); }, "Game", "Game is already running!");
-}
-
-// A level load sweeps the bitmap cache's expired entries and keeps the live ones.
-TEST_F(GameLoop, ALevelLoadSweepsExpiredBitmapsAndKeepsLiveOnes)
-{
-    const TempFolder directory;
-    const std::string expired = directory.Write("expired.bmp", MakeBmp(1, 1, {1, 2, 3}));
-    const std::string live = directory.Write("live.bmp", MakeBmp(1, 1, {1, 2, 3}));
-    FileSystem::LoadBitmap(expired);
-    const std::shared_ptr<Graphics::Bitmap> kept = FileSystem::LoadBitmap(live);
-    game.AddSystem(recorder, nullptr);
-    recorder.framesToRun = 1;
-    Run();
-
-    const LogCapture log;
-    EXPECT_EQ(FileSystem::LoadBitmap(live), kept);
-    FileSystem::LoadBitmap(expired);
-    EXPECT_EQ(log.Messages("AssetManager", LogLevel::Info),
-              std::vector<std::string>{"Loading bitmap \"" + expired + "\""});
 }
 
 } // namespace
