@@ -47,8 +47,7 @@ const std::vector<std::string> kPrinted = {
 // Each failed load logs the reason, then the loop adds the name; a load that raised has a traceback too.
 const std::vector<std::string> kLoadFailures = {
     "Failed to load archetype/level file \"Levels/Missing.arch\": cannot open Levels/Missing.arch: No such "
-    "file or "
-    "directory",
+    "file or directory",
     "Failed to load level \"Levels/Child.lvl\": Failed to load archetype: Levels/Missing.arch",
     "Failed to load level: Levels/Child.lvl",
     "Failed to load archetype/level file \"Levels/Syntax.lvl\": Levels/Syntax.lvl:2: unexpected symbol near "
