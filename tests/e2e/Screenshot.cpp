@@ -60,12 +60,22 @@ bool Shot::Close(Rgb a, Rgb b, int tolerance)
            << " instead of " << expected[0] << "," << expected[1] << "," << expected[2];
 }
 
-RunOptions Windowed(const RunDirectory& directory, const char* dataFolder, const char* width,
-                    const char* height)
+RunResult RunWindowed(const RunDirectory& directory, RunOptions options,
+                      const std::vector<std::string>& shots)
 {
-    RunOptions options;
-    options.dataFolder = dataFolder;
     options.directory = directory.path;
-    options.arguments = {"width", width, "height", height, "fullscreen", "n", "vsync", "n"};
-    return options;
+    options.arguments.insert(options.arguments.begin(),
+                             {"width", "800", "height", "600", "fullscreen", "n", "vsync", "n"});
+    const RunResult result = RunEngine(options);
+    EXPECT_EQ(result.exitCode, 0) << result.errors;
+    EXPECT_EQ(result.errors.find("OpenGL error"), std::string::npos) << result.errors;
+    EXPECT_EQ(result.output.find("Bitmap texture handle leaked!"), std::string::npos);
+    std::vector<std::string> saved;
+    for (const std::string& shot : shots)
+    {
+        saved.push_back("Saved screenshot \"" + shot + "\"");
+    }
+    saved.push_back("Graphics is cleaning up");
+    EXPECT_EQ(LogMessages(result.output, "Graphics", "Info"), saved);
+    return result;
 }

@@ -50,6 +50,7 @@ private:
 
 ::testing::AssertionResult Looks(const Shot& shot, float x, float y, Rgb expected, int tolerance = 0);
 
-// A windowed run of the Data folder in the directory, which keeps the screenshots.
-RunOptions Windowed(const RunDirectory& directory, const char* dataFolder, const char* width,
-                    const char* height);
+// A windowed run of 800 × 600 in the directory, which keeps the screenshots; the options' own arguments
+// come after. It must end cleanly, without an OpenGL error or a leaked texture, having saved the shots.
+RunResult RunWindowed(const RunDirectory& directory, RunOptions options,
+                      const std::vector<std::string>& shots);
