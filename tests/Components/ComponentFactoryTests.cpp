@@ -1,9 +1,7 @@
 #include "Components/Space.h"
 #include "Core/Game.h"
 #include "Support/LogCapture.h"
-#include "Support/RaiseCheck.h"
 
-#include <climits>
 #include <gtest/gtest.h>
 
 namespace
@@ -22,7 +20,7 @@ protected:
     Space& space = game.rootSpace;
 };
 
-TEST_F(ComponentFactories, EachTypeNumberReachesItsOwnFactoryAndOthersRaise)
+TEST_F(ComponentFactories, EachTypeNumberReachesItsOwnFactory)
 {
     const std::vector<IComponentFactory*> expected = {&space.transforms, &space.rigidBodies, &space.squares,
                                                       &space.sprites,    &space.textSprites, &space.particles,
@@ -30,11 +28,6 @@ TEST_F(ComponentFactories, EachTypeNumberReachesItsOwnFactoryAndOthersRaise)
     for (int32_t type = 0; type < Components::kComponentTypeCount; ++type)
     {
         EXPECT_EQ(space.GetFactory(type), expected[static_cast<size_t>(type)]) << type;
-    }
-    for (const int32_t type : {9, -1, INT32_MAX, INT32_MIN})
-    {
-        ExpectRaise([&] { space.GetFactory(type); }, "ComponentFactory",
-                    "Tried to get nonexisting component factory of type " + std::to_string(type));
     }
 }
 
