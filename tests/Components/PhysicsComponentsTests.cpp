@@ -38,29 +38,23 @@ TEST_F(PhysicsComponents, BodiesAndCollidersGiveTheirOwnerATransformIfItHasNone)
               std::vector<std::string>{"Collider component does not have a transform"});
     EXPECT_EQ(ColliderOf(colliderOwner).radius, 0.5f) << "a new transform has scale (1, 1)";
 
-    // An object that has a transform keeps it.
+    // An object that has a transform keeps it; its collider is sized once, from half the mean of its own
+    // local scale, without the parent's.
+    const GameObjectHandle parent = AddObject(space, Vec2{});
+    TransformOf(parent).scale = Vec2{10.0f, 10.0f};
     const GameObjectHandle placed = AddObject(space, Vec2{1.0f, 2.0f});
+    TransformOf(placed).SetParent(parent.Get().GetTransform(), true);
+    TransformOf(placed).scale = Vec2{2.0f, 4.0f};
     const Handle transform = placed.Get().GetTransform();
     placed.Get().AddComponent(Components::RigidBody);
     placed.Get().AddComponent(Components::Collider);
     EXPECT_EQ(BodyOf(placed).transform, transform);
     EXPECT_EQ(ColliderOf(placed).transform, transform);
-    EXPECT_EQ(space.transforms.Count(), 3u);
-}
-
-TEST_F(PhysicsComponents, AColliderIsSizedOnceFromItsOwnLocalScale)
-{
-    const GameObjectHandle parent = AddObject(space, Vec2{});
-    TransformOf(parent).scale = Vec2{10.0f, 10.0f};
-    const GameObjectHandle object = AddObject(space, Vec2{});
-    TransformOf(object).SetParent(parent.Get().GetTransform(), true);
-    TransformOf(object).scale = Vec2{2.0f, 4.0f};
-    object.Get().AddComponent(Components::Collider);
-    EXPECT_EQ(ColliderOf(object).radius, 1.5f) << "half the mean of the local scale, without the parent";
-    EXPECT_EQ(ColliderOf(object).halfHeight, 1.5f);
-
-    TransformOf(object).scale = Vec2{8.0f, 8.0f};
-    EXPECT_EQ(ColliderOf(object).radius, 1.5f) << "later changes of scale don't resize it";
+    EXPECT_EQ(space.transforms.Count(), 4u);
+    EXPECT_EQ(ColliderOf(placed).radius, 1.5f);
+    EXPECT_EQ(ColliderOf(placed).halfHeight, 1.5f);
+    TransformOf(placed).scale = Vec2{8.0f, 8.0f};
+    EXPECT_EQ(ColliderOf(placed).radius, 1.5f) << "later changes of scale don't resize it";
 }
 
 // The Slotmap moves colliders on every reallocation and every sweep; the handler reference must travel with
