@@ -6,38 +6,23 @@
 namespace
 {
 
-using LevelLoader = ScriptScenario;
-
-// Runs as a Lua C function on (nil, table), as CreateFromArchetype sees its argument.
+// Classify(self, table) gives the form that CreateFromArchetype sees in its argument.
 int Classify(lua_State* L)
 {
-    lua_pushinteger(L, static_cast<lua_Integer>(Lua::ClassifyDescription(L)));
+    static const char* const kNames[] = {"override", "list", "empty", "object", "invalid"};
+    lua_pushstring(L, kNames[static_cast<int>(Lua::ClassifyDescription(L))]);
     return 1;
 }
 
-// The form of the table that the expression gives, or the error that classifying it raised.
-std::string FormOf(lua_State* L, const std::string& expression)
+class LevelLoader : public ScriptScenario
 {
-    const int top = lua_gettop(L);
-    std::string form;
-    lua_pushcfunction(L, Classify);
-    lua_pushnil(L);
-    if (luaL_dostring(L, ("return " + expression).c_str()) != LUA_OK)
+protected:
+    void SetUp() override
     {
-        form = "bad expression";
+        ScriptScenario::SetUp();
+        lua_register(L(), "Classify", Classify);
     }
-    else if (lua_pcall(L, 2, 1, 0) != LUA_OK)
-    {
-        form = lua_tostring(L, -1);
-    }
-    else
-    {
-        static const char* const kNames[] = {"override", "list", "empty", "object", "invalid"};
-        form = kNames[lua_tointeger(L, -1)];
-    }
-    lua_settop(L, top);
-    return form;
-}
+};
 
 // Names of the objects of the root Space that aren't marked, in dense order.
 std::vector<std::string> LiveNames(Space& space)
@@ -79,7 +64,7 @@ TEST_F(LevelLoader, TheClassifierTestsExactTypesInItsOrder)
     };
     for (const auto& [expression, form] : cases)
     {
-        EXPECT_EQ(FormOf(L(), expression), form) << expression;
+        EXPECT_EQ(Outcome("return (Classify(nil, " + expression + "))"), form) << expression;
     }
     EXPECT_EQ(lua_gettop(L()), 0);
 }

@@ -16,7 +16,6 @@ enum class SceneKind
     EqualCircles,
     MixedSizes,
     Clutter,
-    Hostile,
     FarClusters,
     Grazing,
 };
@@ -42,9 +41,6 @@ public:
                 break;
             case SceneKind::Clutter:
                 Clutter(side);
-                break;
-            case SceneKind::Hostile:
-                Hostile(side);
                 break;
             case SceneKind::FarClusters:
                 Circle(Vec2{Uniform(0.0f, 8.0f) + 1e6f * static_cast<float>(index % 3), Uniform(0.0f, 8.0f)},
@@ -103,25 +99,6 @@ private:
         {
             object.Get().RemoveComponent(Components::Transform);
         }
-    }
-
-    void Hostile(float side)
-    {
-        Vec2 position{Uniform(0.0f, side), Uniform(0.0f, side)};
-        float radius = Uniform(0.1f, 1.0f);
-        if (Chance(0.2))
-        {
-            position.x = HostileValue(random);
-        }
-        if (Chance(0.2))
-        {
-            position.y = HostileValue(random);
-        }
-        if (Chance(0.2))
-        {
-            radius = HostileValue(random);
-        }
-        Circle(position, radius);
     }
 
     // Pairs at exactly the sum of their radii, or one float step either side of it, also far from the
@@ -188,7 +165,7 @@ TEST_F(ContactFinder, EveryKindOfSceneGivesThePlainWalksContactsInItsOrder)
     };
     for (const Row row : {Row{SceneKind::EqualCircles, 20, 600}, Row{SceneKind::MixedSizes, 20, 400},
                           Row{SceneKind::Clutter, 30, 400}, Row{SceneKind::FarClusters, 10, 300},
-                          Row{SceneKind::Hostile, 30, 300}, Row{SceneKind::Grazing, 30, 300}})
+                          Row{SceneKind::Grazing, 30, 300}})
     {
         SCOPED_TRACE(static_cast<int>(row.kind));
         ExpectSameAsAllPairs(row.kind, row.scenes, row.maxCount);
