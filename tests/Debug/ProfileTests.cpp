@@ -1,3 +1,4 @@
+#include "Debug/Clock.h"
 #include "Debug/Profile.h"
 
 #include <gtest/gtest.h>
@@ -8,6 +9,14 @@ namespace
 
 using Debug::ProfileBlock;
 using Debug::ProfileRecord;
+
+// Waits for the clock itself to move, so a block's time can't be zero.
+void LetTheClockTick()
+{
+    for (const uint64_t start = Debug::ReadClock(); Debug::ReadClock() == start;)
+    {
+    }
+}
 
 class Profile : public testing::Test
 {
@@ -24,7 +33,10 @@ TEST_F(Profile, SameNameUnderOneParentSumsAndTakingLeavesRoom)
         uint64_t summed = 0;
         for (int run = 0; run < 3; ++run)
         {
-            ProfileBlock("Script").Finish();
+            {
+                ProfileBlock script("Script");
+                LetTheClockTick();
+            }
             EXPECT_GT(Debug::CurrentProfile()[1].time, summed) << "each run adds to the record";
             summed = Debug::CurrentProfile()[1].time;
         }
@@ -50,6 +62,7 @@ TEST_F(Profile, FinishingAParentFinishesItsOpenChildrenOnce)
 {
     ProfileBlock root("Root");
     ProfileBlock child("Child");
+    LetTheClockTick();
     root.Finish();
     const uint64_t rootTime = Debug::CurrentProfile()[0].time;
     const uint64_t childTime = Debug::CurrentProfile()[1].time;
