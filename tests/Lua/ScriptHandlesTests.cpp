@@ -18,8 +18,6 @@ protected:
             {"CheckScript", [](lua_State* state) { return (Lua::CheckScript(state), 0); }},
             {"CheckSpace", [](lua_State* state) { return (Lua::CheckSpace(state), 0); }},
             {"ToObject", [](lua_State* state) { return (Lua::ToGameObject(state, 1), 0); }},
-            {"OptBoolean",
-             [](lua_State* state) { return (lua_pushboolean(state, Lua::OptBoolean(state, 1, true)), 1); }},
             {nullptr, nullptr}};
         lua_pushglobaltable(L());
         luaL_setfuncs(L(), checks, 0);
@@ -109,17 +107,10 @@ TEST_F(ScriptHandles, ComponentChecksNameTheTypeAndTellStaleFromMissing)
                     {"CheckTransform(t)", "Transform component is null"}});
 }
 
-TEST_F(ScriptHandles, OptionalBooleansAndDirectoryListings)
+// Listings themselves are checked end to end; here the refusals and a folder that isn't there.
+TEST_F(ScriptHandles, DirectoryListingsRefuseBadArguments)
 {
-    data.Touch("Levels/b.lvl");
-    data.Touch("Levels/a.lvl");
-    data.MakeFolder("Levels/c.lvl");
     ExpectOutcomes({
-        {"OptBoolean()", "true"},
-        {"OptBoolean(false)", "false"},
-        {"OptBoolean(nil)", "bad argument #1 to 'OptBoolean' (boolean expected, got nil)"},
-        {"table.concat(GetFilesInDirectory('Levels/*.lvl'), ',')", "a.lvl,b.lvl,c.lvl"},
-        {"table.concat(GetFilesInDirectory('Levels/*.lvl', false), ',')", "a.lvl,b.lvl"},
         {"next(GetFilesInDirectory('Nowhere/*'))", "nil"},
         {"GetFilesInDirectory({})", "bad argument #1 to 'GetFilesInDirectory' (string expected, got table)"},
         {"GetFilesInDirectory('*', nil)",
