@@ -64,23 +64,6 @@ TEST_F(LuaSystem, MathRandomDrawsFromTheEnginesGeneratorUnderLuasRules)
     }
 }
 
-TEST_F(LuaSystem, TheReadOnlyEnvironmentReadsGlobalsAndRefusesNewOnesAndIsMadeOnce)
-{
-    Lua::PushReadOnlyEnvironment(L());
-    const void* first = lua_topointer(L(), -1);
-    ASSERT_EQ(luaL_loadstring(L(), "x = math.pi"), LUA_OK);
-    lua_pushvalue(L(), -2);
-    lua_setupvalue(L(), -2, 1);
-    ASSERT_NE(lua_pcall(L(), 0, 0, 0), LUA_OK);
-    EXPECT_STREQ(lua_tostring(L(), -1), "Making global variables in serialisation is not allowed");
-    lua_pop(L(), 2);
-    EXPECT_EQ(Outcome("return x"), "nil");
-    Lua::PushReadOnlyEnvironment(L());
-    EXPECT_EQ(lua_topointer(L(), -1), first);
-    lua_pop(L(), 1);
-    EXPECT_EQ(Outcome("return __registry.ReadOnlyTableMeta.__index == _G"), "true");
-}
-
 TEST_F(LuaSystem, TheTracebackHandlerGivesTextAndStackInOneString)
 {
     const auto traceback = [this](const char* chunk)
