@@ -46,17 +46,21 @@ int SetPause(lua_State* L)
     return 0;
 }
 
-int SetSFXPause(lua_State* L)
+void SetGroupPause(lua_State* L, Platform::ChannelGroupHandle AudioSystem::*group)
 {
     AudioSystem& audio = UpvalueAudioSystem(L);
-    audio.Check(audio.system->SetPaused(audio.sfxGroup, CheckBoolean(L, 2)));
+    audio.Check(audio.system->SetPaused(audio.*group, CheckBoolean(L, 2)));
+}
+
+int SetSFXPause(lua_State* L)
+{
+    SetGroupPause(L, &AudioSystem::sfxGroup);
     return 0;
 }
 
 int SetMusicPause(lua_State* L)
 {
-    AudioSystem& audio = UpvalueAudioSystem(L);
-    audio.Check(audio.system->SetPaused(audio.musicGroup, CheckBoolean(L, 2)));
+    SetGroupPause(L, &AudioSystem::musicGroup);
     return 0;
 }
 

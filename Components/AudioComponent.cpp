@@ -5,14 +5,9 @@
 namespace Components
 {
 
-AudioComponent::AudioComponent(GameObjectHandle ownerHandle) : Component(ownerHandle)
+AudioComponent::AudioComponent(GameObjectHandle ownerHandle)
+    : Component(ownerHandle), transform(owner.Get().EnsureTransform())
 {
-    GameObject& object = owner.Get();
-    transform = object.GetTransform();
-    if (transform.IsNull())
-    {
-        transform = object.AddComponent(Transform);
-    }
 }
 
 } // namespace Components

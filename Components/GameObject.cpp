@@ -82,6 +82,12 @@ Space* GameObject::GetSpace() const
     return self.space;
 }
 
+Handle GameObject::EnsureTransform()
+{
+    const Handle transform = GetTransform();
+    return transform.IsNull() ? AddComponent(Components::Transform) : transform;
+}
+
 Handle GameObject::AddComponent(int32_t type)
 {
     if (!IsComponentType(type))

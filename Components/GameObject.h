@@ -38,6 +38,8 @@ public:
     // Null if the object has no such component; raises on a type outside 0..8.
     Handle GetComponent(int32_t type) const;
     Handle GetTransform() const { return components[Components::Transform]; }
+    // The object's transform, added silently if it has none, for components that stand in the world.
+    Handle EnsureTransform();
 
     // Marks the object and its descendants for deletion at the end of the frame, deepest first.
     void Destroy();

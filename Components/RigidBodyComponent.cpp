@@ -5,14 +5,9 @@
 namespace Components
 {
 
-RigidBodyComponent::RigidBodyComponent(GameObjectHandle ownerHandle) : Component(ownerHandle)
+RigidBodyComponent::RigidBodyComponent(GameObjectHandle ownerHandle)
+    : Component(ownerHandle), transform(owner.Get().EnsureTransform())
 {
-    GameObject& object = owner.Get();
-    transform = object.GetTransform();
-    if (transform.IsNull())
-    {
-        transform = object.AddComponent(Transform);
-    }
 }
 
 } // namespace Components
