@@ -4,6 +4,7 @@
 #include "Support/LogCapture.h"
 
 #include <gtest/gtest.h>
+#include <memory>
 
 namespace
 {
@@ -233,6 +234,13 @@ TEST_F(Spaces, ManySiblingsAndADeepChainAreFreedWithoutTrouble)
     root.Destroy(game);
     destroyed = true;
     EXPECT_EQ(root.firstChild, nullptr);
+    // A Space torn down without Destroy, as by a game that ends mid-run, unlinks its children one by one.
+    auto detached = std::make_unique<Space>();
+    for (int index = 0; index < 100000; ++index)
+    {
+        detached->CreateChild();
+    }
+    detached.reset();
 }
 
 } // namespace

@@ -61,6 +61,9 @@ TEST(Fullscreen, AWindowOpenedFullscreenStartsHiddenAndMovesWhole)
     const Core::Window moved(std::move(window));
     EXPECT_EQ(moved.handle, handle);
     EXPECT_EQ(window.handle, nullptr);
+    // The video system started once serves a second window of the process.
+    const std::unique_ptr<Core::Window> second = OpenOffscreenWindow(320, 240);
+    EXPECT_NE(second->handle, nullptr);
 }
 
 } // namespace

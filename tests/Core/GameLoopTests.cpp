@@ -34,7 +34,7 @@ public:
     bool Initialise(Core::Window*) override
     {
         journal.push_back(std::string(name) + " Initialise");
-        return true;
+        return !refuses;
     }
     void Update(Core::Game& game, Space& space, double dt, double spaceTime, double absoluteTime) override
     {
@@ -68,6 +68,7 @@ public:
     const char* name;
     std::vector<std::string>& journal;
     uint64_t framesToRun = 3;
+    bool refuses = false;
     std::function<void(Core::Game&, Space&)> onUpdate;
     std::vector<UpdateCall> calls;
 };
@@ -227,9 +228,13 @@ TEST_F(GameLoop, APausedGameSleepsBetweenFramesButKeepsUpdating)
               (std::vector<std::string>{"pausing game", "Unpausing game"}));
 }
 
-// A system that fails to start is left to the end-to-end run, which ends the process on it.
-TEST_F(GameLoop, ASecondRunRaises)
+// End to end, these end the process before its coverage counts are written.
+TEST_F(GameLoop, AFailedSystemStartAndASecondRunRaise)
 {
+    RecordingSystem refuser("Refuser", journal);
+    refuser.refuses = true;
+    ExpectRaise([&] { game.AddSystem(refuser, nullptr); }, "Game", "Failed to initialise system Refuser");
+    EXPECT_TRUE(game.systems.empty());
     game.running = true;
     ExpectRaise([&] { game.Run(); }, "Game", "Game is already running!");
 }

@@ -1,5 +1,6 @@
 #include "FileSystem/Paths.h"
 #include "Support/LogCapture.h"
+#include "Support/RaiseCheck.h"
 #include "Support/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -10,11 +11,13 @@ namespace
 
 namespace fs = std::filesystem;
 
-// A missing Data folder, or a file in its place, ends the run: checked end to end.
+// The exact texts of the two start failures are checked end to end, where the process ends on them.
 TEST(Paths, TheDataFolderBecomesTheWorkingDirectory)
 {
     TempFolder folder;
     ScopedWorkingDirectory start(folder.Path());
+    ExpectRaise([] { FileSystem::ChangeToDataFolder(); }, "AssetManager",
+                "Failed to change working directory: (2)");
     folder.MakeFolder("Data");
     FileSystem::ChangeToDataFolder();
     EXPECT_TRUE(fs::equivalent(FileSystem::GetWorkingDirectory(), folder.Path() / "Data"));

@@ -88,11 +88,11 @@ TEST_F(ParticleScripts, EveryFunctionChecksItsArgumentsBeforeChangingAnything)
     EXPECT_EQ(effect.system.terminator, nullptr);
     EXPECT_TRUE(game.graphics.particleSystems.empty());
 
-    ASSERT_EQ(
-        Run("p:SetEmitter('Pulse') p:Pulse(10) p:Pulse(10) p:SetUpdater0('Drag', 1) p:SetUpdater0('Drag', 1) "
-            "p:SetTerminator('Basic') p:SetTerminator('ScaleOut', 0) p:SetBlendMode('Subtractive') "
-            "p:SetFrames('Fonts/font.png') p:SetFrames()"),
-        "");
+    ASSERT_EQ(Run("p:SetEmitter('Pulse') p:Pulse(10) p:Pulse(10) p:SetUpdater0('Drag', 1) "
+                  "p:SetUpdater0('Vortex', 0, 0, 1) "
+                  "p:SetTerminator('Basic') p:SetTerminator('ScaleOut', 0) p:SetBlendMode('Subtractive') "
+                  "p:SetFrames('Fonts/font.png') p:SetFrames()"),
+              "");
     EXPECT_EQ(effect.system.updaters.size(), 2u);
     EXPECT_EQ(effect.system.blendMode, 2);
     EXPECT_EQ(effect.system.texture, effect.frames.front());
